@@ -1,0 +1,152 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "address/origine.hpp"
+#include "address/url.hpp"
+#include "app/commandes.hpp"
+#include "container/ports.hpp"
+
+namespace brindex {
+
+// A plain window holding one web view that a page of the space opened.
+class FenetreSecondaire : public std::enable_shared_from_this<FenetreSecondaire> {
+public:
+    // Builds and shows the window around the web view.
+    static std::shared_ptr<FenetreSecondaire> creer(Plateforme& plateforme,
+                                                    std::shared_ptr<VueWeb> webView);
+    static ParametresFenetre parametres();
+
+    const std::shared_ptr<Fenetre>& fenetre() const { return fenetre_; }
+    const std::shared_ptr<VueWeb>& webView() const { return webView_; }
+
+    // Runs when the window closes by itself (close button, or the page's request).
+    std::function<void(FenetreSecondaire&)> onFermeture;
+
+    // Closes the window without running onFermeture.
+    void fermer();
+    // The window is about to close by itself.
+    void fenetreVaFermer();
+
+private:
+    explicit FenetreSecondaire(std::shared_ptr<VueWeb> webView) : webView_(std::move(webView)) {}
+    void detacher();
+
+    std::shared_ptr<Fenetre> fenetre_;
+    std::shared_ptr<VueWeb> webView_;
+};
+
+// The one controller: owns the main window and decides what it shows, keeps every web view on
+// its space's origin, opens popups as secondary windows, reports load failures, answers page
+// dialogs and saves downloads. Every callback it hands out holds it weakly.
+class Controleur : public std::enable_shared_from_this<Controleur> {
+public:
+    // Builds the main window, hidden.
+    static std::shared_ptr<Controleur> creer(Plateforme& plateforme);
+    static ParametresFenetre parametresFenetrePrincipale();
+
+    Controleur(const Controleur&) = delete;
+    Controleur& operator=(const Controleur&) = delete;
+
+    // ---- Screens and the main web view ----
+    void demarrer();
+    void ouvrirEspace(const Url& url);
+    void montrerConfiguration();
+    void montrerErreur(const std::string& detail);
+    void detruireWebView();
+    // The web view that page commands act on: a key secondary window's, else the main one.
+    std::shared_ptr<VueWeb> webViewActive() const;
+    // The main window is about to close.
+    void fenetrePrincipaleVaFermer();
+
+    std::optional<Url> adresseEspace() const;
+    void definirAdresseEspace(const std::optional<Url>& url);
+
+    // Observations of the main web view.
+    void titreChange(VueWeb& vue);
+    void progressionChange(VueWeb& vue);
+
+    // ---- Navigation policy ----
+    Politique deciderAction(VueWeb& vue, const ActionNavigation& action);
+    Politique deciderReponse(VueWeb& vue, const ReponseNavigation& reponse);
+
+    // ---- Load outcome ----
+    void chargementTermine(VueWeb& vue);
+    void traiterEchec(const ErreurChargement& erreur, VueWeb& vue);
+
+    // ---- Secondary windows ----
+    // A page asks for a new window; gives the new web view, or nothing.
+    std::shared_ptr<VueWeb> creerVueWebDemandee(VueWeb& ouvreur,
+                                                const std::optional<std::string>& url,
+                                                const ConfigurationMoteur& configuration);
+    // A page asked to close its own window.
+    void fermetureDemandee(VueWeb& vue);
+    void fermerFenetresSecondaires();
+
+    // ---- Page commands ----
+    void recharger();
+    void rechargerOrigine();
+    void pagePrecedente();
+    void pageSuivante();
+    void accueil();
+    void zoomPlus();
+    void zoomMoins();
+    void zoomReel();
+    void changerEspace();
+    void ouvrirSite();
+    void ouvrirJournal();
+    // Runs one of the controller's commands; false for a command it doesn't answer.
+    bool executer(Commande commande);
+
+    // ---- Page dialogs ----
+    void alerteScript(const std::string& message, std::function<void()> fin);
+    void confirmationScript(const std::string& message, std::function<void(bool)> fin);
+    void saisieScript(const std::string& invite, const std::optional<std::string>& defaut,
+                      std::function<void(std::optional<std::string>)> fin);
+    void choixFichiers(bool plusieurs, std::function<void(FichiersChoisis)> fin);
+
+    // ---- Downloads ----
+    // Chooses and records where the download is saved.
+    std::string destinationTelechargement(std::shared_ptr<Telechargement> telechargement,
+                                          std::string_view nomSuggere);
+    void telechargementTermine(Telechargement& telechargement);
+    void telechargementEchoue(Telechargement& telechargement, const std::string& description);
+
+    // ---- State ----
+    FenetrePrincipale& fenetre() const { return *fenetre_; }
+    const std::shared_ptr<VueWeb>& webView() const { return webView_; }
+    bool principaleADejaCharge() const { return principaleADejaCharge_; }
+    const std::vector<std::shared_ptr<FenetreSecondaire>>& fenetresSecondaires() const {
+        return fenetresSecondaires_;
+    }
+    const std::map<const VueWeb*, Origine>& originesWebView() const { return originesWebView_; }
+    // Destination of each running download.
+    std::optional<std::string> destinationDe(const Telechargement& telechargement) const;
+    std::size_t telechargementsEnCours() const { return telechargements_.size(); }
+
+private:
+    explicit Controleur(Plateforme& plateforme) : plateforme_(plateforme) {}
+    std::optional<Origine> origineDe(const VueWeb& vue) const;
+    void ajusterZoom(double (*regle)(double));
+
+    struct EntreeTelechargement {
+        std::shared_ptr<Telechargement> telechargement;
+        std::string destination;
+    };
+
+    Plateforme& plateforme_;
+    std::shared_ptr<FenetrePrincipale> fenetre_;
+    std::shared_ptr<VueWeb> webView_;
+    std::map<const Telechargement*, EntreeTelechargement> telechargements_;
+    std::vector<std::shared_ptr<FenetreSecondaire>> fenetresSecondaires_;
+    std::map<const VueWeb*, Origine> originesWebView_;
+    bool principaleADejaCharge_ = false;
+};
+
+}  // namespace brindex

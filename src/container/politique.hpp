@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "address/origine.hpp"
+#include "container/ports.hpp"
+
+namespace brindex {
+
+// A navigation decision plus at most one side effect.
+struct DecisionAction {
+    Politique politique = Politique::annuler;
+    std::optional<std::string> urlAOuvrir;    // hand to the default browser or handler
+    std::optional<std::string> ligneJournal;  // write to the diagnostic log
+};
+
+// Keeps a web view on its recorded origin: clicked links elsewhere go to the default browser,
+// other navigations elsewhere are refused, mailto/tel go to their handlers, and every scheme
+// but http(s) is refused. `origineVue` is the origin the web view is held to, if any.
+DecisionAction deciderAction(const ActionNavigation& action,
+                             const std::optional<Origine>& origineVue);
+
+// Attachments and what the view can't show become downloads; a response is never cancelled.
+Politique deciderReponse(const ReponseNavigation& reponse);
+
+// What to do when a page asks for a new window.
+struct DecisionFenetre {
+    enum class Choix { rien, ouvrir, navigateur };
+    Choix choix = Choix::rien;
+    std::optional<std::string> url;  // with `navigateur`
+};
+
+DecisionFenetre deciderFenetre(const std::optional<Origine>& origineOuvreur,
+                               const std::optional<std::string>& url);
+
+}  // namespace brindex

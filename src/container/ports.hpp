@@ -1,0 +1,193 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "address/sonde.hpp"
+#include "brand/reglages.hpp"
+#include "screens/vue_configuration.hpp"
+#include "screens/vue_erreur.hpp"
+
+// What the controller needs from a platform, and the plain values in which the web engine's
+// callbacks reach it. Each platform implements these once; no toolkit type crosses them.
+
+namespace brindex {
+
+// ---- Values from the engine ----
+
+enum class TypeNavigation { lienActive, autre };
+// The frame a navigation targets; `aucun` is a request for a new window.
+enum class CadreCible { principal, sousCadre, aucun };
+
+struct ActionNavigation {
+    std::optional<std::string> url;
+    TypeNavigation type = TypeNavigation::autre;
+    CadreCible cible = CadreCible::principal;
+    bool telechargementDemande = false;
+};
+
+struct ReponseNavigation {
+    bool http = false;
+    std::optional<std::string> contentDisposition;
+    bool typeAffichable = true;
+};
+
+enum class Politique { annuler, autoriser, telecharger };
+
+// A load failure in the URL-loading vocabulary: each platform maps its own errors onto
+// NSURLErrorDomain codes and WebKitErrorDomain/102, and keeps anything else as it is.
+struct ErreurChargement {
+    std::string domaine;
+    std::int64_t code = 0;
+    std::string description;
+};
+inline constexpr std::string_view domaineUrl = "NSURLErrorDomain";
+inline constexpr std::string_view domaineWebKit = "WebKitErrorDomain";
+
+// ---- Dialogs ----
+
+// A native alert: title, explanation, buttons left to right in reading order (the first is
+// the default), and an optional one-line text field.
+struct Alerte {
+    std::string message;
+    std::string informatif;
+    std::vector<std::string> boutons;
+    std::optional<std::string> champ;
+    double largeurChamp = 260;
+    double hauteurChamp = 24;
+};
+
+struct ReponseAlerte {
+    static constexpr std::size_t aucunBouton = static_cast<std::size_t>(-1);
+    // Index of the button that closed the alert, or aucunBouton when it was dismissed.
+    std::size_t bouton = aucunBouton;
+    std::string champ;
+};
+
+struct DemandeFichiers {
+    bool fichiers = true;
+    bool dossiers = false;
+    bool plusieurs = false;
+    bool creerDossiers = false;
+};
+// Chosen files as absolute paths; nothing when the user cancelled.
+using FichiersChoisis = std::optional<std::vector<std::string>>;
+
+// ---- Platform objects ----
+
+// A web view. Its identity is the object's address.
+class VueWeb {
+public:
+    virtual ~VueWeb() = default;
+    // Loads with the protocol's cache policy and the given time-out.
+    virtual void charger(const std::string& url, double delaiSecondes) = 0;
+    virtual void arreter() = 0;
+    virtual void recharger() = 0;
+    virtual void rechargerOrigine() = 0;
+    virtual void reculer() = 0;
+    virtual void avancer() = 0;
+    virtual double zoom() const = 0;
+    virtual void definirZoom(double zoom) = 0;
+    virtual std::optional<std::string> url() const = 0;
+    virtual std::optional<std::string> titre() const = 0;
+    virtual double progression() const = 0;
+    // Stops every callback of this web view from reaching the controller.
+    virtual void detacher() = 0;
+};
+
+// What the engine supplies when a page asks for a new window (the opener's configuration);
+// the core hands it back untouched to create the new web view.
+class ConfigurationMoteur {
+public:
+    virtual ~ConfigurationMoteur() = default;
+};
+
+// A download under way; identity only.
+class Telechargement {
+public:
+    virtual ~Telechargement() = default;
+};
+
+struct ParametresFenetre {
+    double largeur;
+    double hauteur;
+    double largeurMin;
+    double hauteurMin;
+    std::string titre;
+    // Name under which the platform saves and restores the frame; empty: not saved.
+    std::string nomSauvegarde;
+};
+
+struct ParametresVueWeb {
+    bool principale;          // the space's own view, as opposed to a popup's
+    bool gestesHistorique;    // back/forward swipes
+    bool grossissement;       // pinch to zoom
+    std::string agentSuffixe; // appended to the engine's user agent
+};
+
+class Fenetre {
+public:
+    virtual ~Fenetre() = default;
+    virtual void definirTitre(const std::string& titre) = 0;
+    virtual bool estCle() const = 0;
+    // Makes the window key and brings it to the front.
+    virtual void devant() = 0;
+    // Forgets the close callback, so that closing the window reports nothing.
+    virtual void oublierFermeture() = 0;
+    virtual void fermer() = 0;
+    // An alert sheet attached to this window; nothing happens when it is dismissed.
+    virtual void feuille(const Alerte& alerte) = 0;
+};
+
+// The main window shows exactly one of three screens.
+class FenetrePrincipale : public Fenetre {
+public:
+    // The platform builds the widgets and calls `vue->attacher` with them.
+    virtual void montrerConfiguration(std::shared_ptr<VueConfiguration> vue) = 0;
+    // The web view under a thin progress bar, hidden at first.
+    virtual void montrerEspace(std::shared_ptr<VueWeb> vue) = 0;
+    virtual void montrerErreur(std::shared_ptr<VueErreur> vue) = 0;
+    virtual void progression(double valeur, bool visible) = 0;
+};
+
+class Plateforme {
+public:
+    virtual ~Plateforme() = default;
+
+    // The window is built hidden; `vaFermer` runs just before it closes.
+    virtual std::shared_ptr<FenetrePrincipale> creerFenetrePrincipale(
+        const ParametresFenetre& parametres, std::function<void()> vaFermer) = 0;
+    // Without a configuration: a new view on the persistent website data. With one: the view a
+    // page asked for, built from what the engine supplied.
+    virtual std::shared_ptr<VueWeb> creerVueWeb(const ParametresVueWeb& parametres,
+                                                const ConfigurationMoteur* configuration) = 0;
+    // Builds a window around the web view, centres it, makes it key and shows it.
+    virtual std::shared_ptr<Fenetre> creerFenetreSecondaire(const ParametresFenetre& parametres,
+                                                            std::shared_ptr<VueWeb> vue,
+                                                            std::function<void()> vaFermer) = 0;
+
+    // The default browser, or the mail or telephone handler.
+    virtual void ouvrirUrl(const std::string& url) = 0;
+    // Shows the file selected in the file manager.
+    virtual void reveler(const std::string& chemin) = 0;
+    // An application-modal alert; `reponse` runs once it is closed.
+    virtual void alerte(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) = 0;
+    virtual void choisirFichiers(const DemandeFichiers& demande,
+                                 std::function<void(FichiersChoisis)> reponse) = 0;
+
+    virtual Reglages& reglages() = 0;
+    virtual TransportHttp& transport() = 0;
+
+    // The Downloads folder the system reports, if any, and the home folder.
+    virtual std::optional<std::string> dossierTelechargements() = 0;
+    virtual std::string dossierPersonnel() = 0;
+    virtual bool existe(const std::string& chemin) = 0;
+};
+
+}  // namespace brindex
