@@ -40,8 +40,8 @@ std::optional<Point> decoder(std::string_view t, std::size_t debut) {
 }
 
 bool estSeparateurEspace(char32_t c) {
-    return c == 0x20 || c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) ||
-           c == 0x202F || c == 0x205F || c == 0x3000;
+    return c == 0x20 || c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x202F ||
+           c == 0x205F || c == 0x3000;
 }
 
 bool estBlanc(char32_t c, Blancs blancs) {

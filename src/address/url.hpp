@@ -45,7 +45,6 @@ public:
 
 private:
     Url() = default;
-    std::string recomposer() const;
 
     std::string texte_;
     std::string scheme_;

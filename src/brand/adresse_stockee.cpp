@@ -1,0 +1,21 @@
+#include "brand/adresse_stockee.hpp"
+
+#include <string>
+
+#include "address/normalisation.hpp"
+#include "brand/marque.hpp"
+
+namespace brindex {
+
+std::optional<Url> lireAdresseEspace(const Reglages& reglages) {
+    const auto texte = reglages.lire(std::string(Marque::cleEspace));
+    if (!texte) return std::nullopt;
+    return normaliserAdresse(*texte);
+}
+
+void ecrireAdresseEspace(Reglages& reglages, const std::optional<Url>& url) {
+    reglages.ecrire(std::string(Marque::cleEspace),
+                    url ? std::optional<std::string>(url->texte()) : std::nullopt);
+}
+
+}  // namespace brindex

@@ -1,0 +1,105 @@
+#include "log/journal.hpp"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+namespace brindex {
+namespace {
+
+namespace fs = std::filesystem;
+
+class JournalTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        dossier = fs::temp_directory_path() /
+                  ("brindex-journal-" +
+                   std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "-" +
+                   ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(dossier);
+        fs::create_directories(dossier);
+        fichier = dossier / "Brindex.log";
+        Journal::definirChemin(fichier.string());
+    }
+    void TearDown() override {
+        Journal::definirChemin("");
+        fs::permissions(dossier, fs::perms::owner_all, fs::perm_options::add);
+        fs::remove_all(dossier);
+    }
+    std::string contenu() const {
+        std::ifstream f(fichier, std::ios::binary);
+        std::stringstream s;
+        s << f.rdbuf();
+        return s.str();
+    }
+    fs::path dossier;
+    fs::path fichier;
+};
+
+const std::regex ligne(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ demarrage v1\.0\.0\n)");
+
+TEST_F(JournalTest, PremiereLigneCreeLeFichier) {
+    Journal::ecrire("demarrage v1.0.0");
+    EXPECT_TRUE(std::regex_match(contenu(), ligne)) << contenu();
+}
+
+TEST_F(JournalTest, AjouteAprèsUnAutreProgramme) {
+    Journal::ecrire("un");
+    {
+        std::ofstream autre(fichier, std::ios::app);
+        autre << "ligne d'un autre programme\n";
+    }
+    Journal::ecrire("deux");
+    const auto texte = contenu();
+    const auto un = texte.find(" un\n");
+    const auto autre = texte.find("ligne d'un autre programme\n");
+    const auto deux = texte.find(" deux\n");
+    ASSERT_NE(un, std::string::npos);
+    ASSERT_NE(autre, std::string::npos);
+    ASSERT_NE(deux, std::string::npos);
+    EXPECT_LT(un, autre);
+    EXPECT_LT(autre, deux);
+}
+
+TEST_F(JournalTest, MessagesTelsQuels) {
+    Journal::ecrire("");
+    Journal::ecrire("a\nb");
+    EXPECT_TRUE(std::regex_match(contenu(), std::regex(R"(\S+Z \n\S+Z a\nb\n)"))) << contenu();
+}
+
+TEST_F(JournalTest, DossierAbsentPerdLaLigneSansErreur) {
+    Journal::definirChemin((dossier / "absent" / "Brindex.log").string());
+    Journal::ecrire("perdue");
+    EXPECT_FALSE(fs::exists(dossier / "absent"));
+}
+
+TEST_F(JournalTest, FichierExistantJamaisRemplace) {
+    { std::ofstream(fichier) << "ancien\n"; }
+    fs::permissions(fichier, fs::perms::owner_read);
+    Journal::ecrire("refusee");
+    fs::permissions(fichier, fs::perms::owner_read | fs::perms::owner_write);
+    // Root may still write to a read-only file; what matters is that nothing was lost.
+    EXPECT_EQ(contenu().rfind("ancien\n", 0), 0u);
+}
+
+TEST(Horodatage, UtcIso8601ALaSeconde) {
+    using namespace std::chrono;
+    const auto a = [](long long s) {
+        return Journal::horodatage(system_clock::time_point(seconds(s)));
+    };
+    EXPECT_EQ(a(0), "1970-01-01T00:00:00Z");
+    EXPECT_EQ(a(1772719629), "2026-03-05T14:07:09Z");
+    EXPECT_EQ(a(951782400), "2000-02-29T00:00:00Z");
+    EXPECT_EQ(a(4107542399), "2100-02-28T23:59:59Z");
+    EXPECT_EQ(a(4107542400), "2100-03-01T00:00:00Z");
+    EXPECT_EQ(a(-1), "1969-12-31T23:59:59Z");
+    const auto maintenant = system_clock::now() + milliseconds(999);
+    EXPECT_EQ(Journal::horodatage(maintenant).size(), 20u) << "no fractional seconds";
+}
+
+}  // namespace
+}  // namespace brindex
