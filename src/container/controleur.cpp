@@ -1,0 +1,460 @@
+#include "container/controleur.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "brand/adresse_stockee.hpp"
+#include "brand/marque.hpp"
+#include "container/echecs.hpp"
+#include "container/politique.hpp"
+#include "container/regles.hpp"
+#include "container/telechargements.hpp"
+#include "log/journal.hpp"
+
+namespace brindex {
+
+namespace {
+
+const std::string titreProduit(Marque::nom);
+
+Alerte alerteSimple(std::string message, std::string informatif) {
+    return Alerte{std::move(message), std::move(informatif), {"OK"}, std::nullopt, 260, 24};
+}
+
+}  // namespace
+
+// ---- FenetreSecondaire ----
+
+std::shared_ptr<FenetreSecondaire> FenetreSecondaire::creer(Plateforme& plateforme,
+                                                            std::shared_ptr<VueWeb> webView) {
+    std::shared_ptr<FenetreSecondaire> fenetre(new FenetreSecondaire(webView));
+    std::weak_ptr<FenetreSecondaire> faible = fenetre;
+    fenetre->fenetre_ =
+        plateforme.creerFenetreSecondaire(parametres(), std::move(webView), [faible] {
+            if (const auto f = faible.lock()) f->fenetreVaFermer();
+        });
+    return fenetre;
+}
+
+ParametresFenetre FenetreSecondaire::parametres() {
+    return {1080, 780, 640, 480, titreProduit, ""};
+}
+
+void FenetreSecondaire::detacher() {
+    webView_->arreter();
+    webView_->detacher();
+}
+
+void FenetreSecondaire::fermer() {
+    detacher();
+    fenetre_->oublierFermeture();
+    fenetre_->fermer();
+}
+
+void FenetreSecondaire::fenetreVaFermer() {
+    // onFermeture drops the controller's reference; this object must outlive the call.
+    const auto garde = shared_from_this();
+    detacher();
+    if (onFermeture) onFermeture(*this);
+}
+
+// ---- Controleur: creation, screens and the main web view ----
+
+std::shared_ptr<Controleur> Controleur::creer(Plateforme& plateforme) {
+    std::shared_ptr<Controleur> controleur(new Controleur(plateforme));
+    std::weak_ptr<Controleur> faible = controleur;
+    controleur->fenetre_ =
+        plateforme.creerFenetrePrincipale(parametresFenetrePrincipale(), [faible] {
+            if (const auto c = faible.lock()) c->fenetrePrincipaleVaFermer();
+        });
+    return controleur;
+}
+
+ParametresFenetre Controleur::parametresFenetrePrincipale() {
+    return {1280, 860, 980, 640, titreProduit, "BrindexPrincipale"};
+}
+
+std::optional<Url> Controleur::adresseEspace() const {
+    return lireAdresseEspace(plateforme_.reglages());
+}
+
+void Controleur::definirAdresseEspace(const std::optional<Url>& url) {
+    ecrireAdresseEspace(plateforme_.reglages(), url);
+}
+
+void Controleur::demarrer() {
+    if (const auto url = adresseEspace()) {
+        ouvrirEspace(*url);
+    } else {
+        montrerConfiguration();
+    }
+    fenetre_->devant();
+}
+
+void Controleur::ouvrirEspace(const Url& url) {
+    const auto origine = Origine::depuis(url);
+    if (!origine) {
+        montrerConfiguration();
+        return;
+    }
+    fermerFenetresSecondaires();
+    detruireWebView();
+    principaleADejaCharge_ = false;
+    webView_ = plateforme_.creerVueWeb(
+        ParametresVueWeb{true, true, true, std::string(Marque::agentSuffixe)}, nullptr);
+    originesWebView_.insert_or_assign(webView_.get(), *origine);
+    fenetre_->montrerEspace(webView_);
+    webView_->charger(url.texte(), delaiChargement);
+}
+
+void Controleur::montrerConfiguration() {
+    fermerFenetresSecondaires();
+    detruireWebView();
+    const auto actuelle = adresseEspace();
+    Plateforme& plateforme = plateforme_;
+    auto vue = VueConfiguration::creer(
+        actuelle ? std::optional<std::string>(actuelle->texte()) : std::nullopt,
+        [&plateforme](const Url& url, std::function<void(ResultatSonde)> rappel) {
+            sonderEspace(plateforme.transport(), url, std::move(rappel));
+        });
+    std::weak_ptr<Controleur> faible = weak_from_this();
+    vue->onConnexion = [faible](const Url& url) {
+        if (const auto c = faible.lock()) {
+            c->definirAdresseEspace(url);
+            c->ouvrirEspace(url);
+        }
+    };
+    fenetre_->montrerConfiguration(vue);
+    fenetre_->definirTitre(titreProduit);
+    if (vue->controles()) vue->controles()->focaliserChamp();
+    vue->detecterAdresseParDefaut();
+}
+
+void Controleur::montrerErreur(const std::string& detail) {
+    detruireWebView();
+    auto vue = std::make_shared<VueErreur>(detail);
+    std::weak_ptr<Controleur> faible = weak_from_this();
+    vue->onReessayer = [faible] {
+        if (const auto c = faible.lock()) {
+            if (const auto url = c->adresseEspace()) c->ouvrirEspace(*url);
+        }
+    };
+    vue->onChangerAdresse = [faible] {
+        if (const auto c = faible.lock()) c->montrerConfiguration();
+    };
+    fenetre_->montrerErreur(vue);
+}
+
+void Controleur::detruireWebView() {
+    if (!webView_) return;
+    originesWebView_.erase(webView_.get());
+    webView_->arreter();
+    webView_->detacher();
+    webView_.reset();
+}
+
+std::shared_ptr<VueWeb> Controleur::webViewActive() const {
+    for (const auto& secondaire : fenetresSecondaires_) {
+        if (secondaire->fenetre()->estCle()) return secondaire->webView();
+    }
+    return webView_;
+}
+
+void Controleur::fenetrePrincipaleVaFermer() {
+    fermerFenetresSecondaires();
+    detruireWebView();
+}
+
+void Controleur::titreChange(VueWeb& vue) {
+    if (&vue != webView_.get()) return;
+    fenetre_->definirTitre(titreFenetre(vue.titre()));
+}
+
+void Controleur::progressionChange(VueWeb& vue) {
+    if (&vue != webView_.get()) return;
+    const double progression = vue.progression();
+    fenetre_->progression(progression, barreVisible(progression));
+}
+
+std::optional<Origine> Controleur::origineDe(const VueWeb& vue) const {
+    const auto entree = originesWebView_.find(&vue);
+    if (entree == originesWebView_.end()) return std::nullopt;
+    return entree->second;
+}
+
+// ---- Navigation policy ----
+
+Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action) {
+    const auto decision = brindex::deciderAction(action, origineDe(vue));
+    if (decision.urlAOuvrir) plateforme_.ouvrirUrl(*decision.urlAOuvrir);
+    if (decision.ligneJournal) Journal::ecrire(*decision.ligneJournal);
+    return decision.politique;
+}
+
+Politique Controleur::deciderReponse(VueWeb&, const ReponseNavigation& reponse) {
+    return brindex::deciderReponse(reponse);
+}
+
+// ---- Load outcome ----
+
+void Controleur::chargementTermine(VueWeb& vue) {
+    if (webView_ && &vue == webView_.get()) principaleADejaCharge_ = true;
+    Journal::ecrire(ligneSucces(vue.url()));
+}
+
+void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
+    if (echecIgnore(erreur)) return;
+    Journal::ecrire(ligneEchec(erreur));
+    const std::string detail = detailLisible(erreur, adresseEspace());
+    if (webView_ && &vue == webView_.get()) {
+        // Before the first finished load the space itself is unreachable.
+        if (!principaleADejaCharge_) {
+            montrerErreur(detail);
+        } else {
+            fenetre_->feuille(alerteSimple("Page inaccessible", detail));
+        }
+        return;
+    }
+    for (const auto& secondaire : fenetresSecondaires_) {
+        if (secondaire->webView().get() == &vue) {
+            secondaire->fenetre()->feuille(alerteSimple("Page inaccessible", detail));
+            return;
+        }
+    }
+}
+
+// ---- Secondary windows ----
+
+std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
+                                                        const std::optional<std::string>& url,
+                                                        const ConfigurationMoteur& configuration) {
+    const auto origineOuvreur = origineDe(ouvreur);
+    const auto decision = deciderFenetre(origineOuvreur, url);
+    switch (decision.choix) {
+        case DecisionFenetre::Choix::rien:
+            return nullptr;
+        case DecisionFenetre::Choix::navigateur:
+            plateforme_.ouvrirUrl(*decision.url);
+            return nullptr;
+        case DecisionFenetre::Choix::ouvrir:
+            break;
+    }
+    auto vue = plateforme_.creerVueWeb(
+        ParametresVueWeb{false, false, true, std::string(Marque::agentSuffixe)}, &configuration);
+    // A popup is held to its opener's origin, whatever it opens on (about:blank included).
+    originesWebView_.insert_or_assign(vue.get(), *origineOuvreur);
+    auto secondaire = FenetreSecondaire::creer(plateforme_, vue);
+    std::weak_ptr<Controleur> faible = weak_from_this();
+    secondaire->onFermeture = [faible](FenetreSecondaire& fermee) {
+        const auto c = faible.lock();
+        if (!c) return;
+        c->originesWebView_.erase(fermee.webView().get());
+        auto& liste = c->fenetresSecondaires_;
+        liste.erase(std::remove_if(liste.begin(), liste.end(),
+                                   [&fermee](const auto& f) { return f.get() == &fermee; }),
+                    liste.end());
+    };
+    fenetresSecondaires_.push_back(std::move(secondaire));
+    return vue;
+}
+
+void Controleur::fermetureDemandee(VueWeb& vue) {
+    // The main window never closes at a page's request.
+    for (const auto& secondaire : fenetresSecondaires_) {
+        if (secondaire->webView().get() == &vue) {
+            secondaire->fenetre()->fermer();
+            return;
+        }
+    }
+}
+
+void Controleur::fermerFenetresSecondaires() {
+    // The list is emptied before anything closes, so no close callback sees it half walked.
+    const auto prises = std::exchange(fenetresSecondaires_, {});
+    for (const auto& secondaire : prises) {
+        originesWebView_.erase(secondaire->webView().get());
+        secondaire->fermer();
+    }
+}
+
+// ---- Page commands ----
+
+void Controleur::recharger() {
+    if (const auto vue = webViewActive()) vue->recharger();
+}
+
+void Controleur::rechargerOrigine() {
+    if (const auto vue = webViewActive()) vue->rechargerOrigine();
+}
+
+void Controleur::pagePrecedente() {
+    if (const auto vue = webViewActive()) vue->reculer();
+}
+
+void Controleur::pageSuivante() {
+    if (const auto vue = webViewActive()) vue->avancer();
+}
+
+void Controleur::accueil() {
+    const auto url = adresseEspace();
+    if (!url) return;
+    // Always the main window's space, even when a secondary window is key.
+    if (webView_) {
+        webView_->charger(url->texte(), delaiChargement);
+    } else {
+        ouvrirEspace(*url);
+    }
+    fenetre_->devant();
+}
+
+void Controleur::ajusterZoom(double (*regle)(double)) {
+    if (const auto vue = webViewActive()) vue->definirZoom(regle(vue->zoom()));
+}
+
+void Controleur::zoomPlus() {
+    ajusterZoom(zoomAugmente);
+}
+void Controleur::zoomMoins() {
+    ajusterZoom(zoomDiminue);
+}
+void Controleur::zoomReel() {
+    ajusterZoom(zoomNormal);
+}
+void Controleur::changerEspace() {
+    montrerConfiguration();
+}
+void Controleur::ouvrirSite() {
+    plateforme_.ouvrirUrl(std::string(Marque::urlSite));
+}
+void Controleur::ouvrirJournal() {
+    plateforme_.reveler(Journal::chemin());
+}
+
+bool Controleur::executer(Commande commande) {
+    switch (commande) {
+        case Commande::recharger:
+            recharger();
+            return true;
+        case Commande::rechargerOrigine:
+            rechargerOrigine();
+            return true;
+        case Commande::pagePrecedente:
+            pagePrecedente();
+            return true;
+        case Commande::pageSuivante:
+            pageSuivante();
+            return true;
+        case Commande::accueil:
+            accueil();
+            return true;
+        case Commande::zoomPlus:
+            zoomPlus();
+            return true;
+        case Commande::zoomMoins:
+            zoomMoins();
+            return true;
+        case Commande::zoomReel:
+            zoomReel();
+            return true;
+        case Commande::changerEspace:
+            changerEspace();
+            return true;
+        case Commande::ouvrirSite:
+            ouvrirSite();
+            return true;
+        case Commande::ouvrirJournal:
+            ouvrirJournal();
+            return true;
+        case Commande::aPropos:
+        case Commande::masquer:
+        case Commande::masquerAutres:
+        case Commande::toutAfficher:
+        case Commande::quitter:
+        case Commande::fermerFenetre:
+        case Commande::annuler:
+        case Commande::retablir:
+        case Commande::couper:
+        case Commande::copier:
+        case Commande::coller:
+        case Commande::toutSelectionner:
+        case Commande::pleinEcran:
+        case Commande::reduire:
+        case Commande::reagrandir:
+            return false;
+    }
+    return false;
+}
+
+// ---- Page dialogs ----
+
+void Controleur::alerteScript(const std::string& message, std::function<void()> fin) {
+    plateforme_.alerte(alerteSimple(titreProduit, message),
+                       [fin = std::move(fin)](ReponseAlerte) { fin(); });
+}
+
+void Controleur::confirmationScript(const std::string& message, std::function<void(bool)> fin) {
+    Alerte alerte = alerteSimple(titreProduit, message);
+    alerte.boutons.push_back("Annuler");
+    plateforme_.alerte(alerte,
+                       [fin = std::move(fin)](ReponseAlerte reponse) { fin(reponse.bouton == 0); });
+}
+
+void Controleur::saisieScript(const std::string& invite, const std::optional<std::string>& defaut,
+                              std::function<void(std::optional<std::string>)> fin) {
+    Alerte alerte = alerteSimple(titreProduit, invite);
+    alerte.boutons.push_back("Annuler");
+    alerte.champ = defaut.value_or(std::string());
+    plateforme_.alerte(alerte, [fin = std::move(fin)](ReponseAlerte reponse) {
+        // "OK" with an empty field answers the empty text, not nothing.
+        fin(reponse.bouton == 0 ? std::optional<std::string>(reponse.champ) : std::nullopt);
+    });
+}
+
+void Controleur::choixFichiers(bool plusieurs, std::function<void(FichiersChoisis)> fin) {
+    plateforme_.choisirFichiers(DemandeFichiers{true, false, plusieurs, false},
+                                [fin = std::move(fin)](FichiersChoisis choisis) {
+                                    // A cancelled panel answers nothing, never an empty list.
+                                    if (choisis && choisis->empty()) choisis.reset();
+                                    fin(std::move(choisis));
+                                });
+}
+
+// ---- Downloads ----
+
+std::string Controleur::destinationTelechargement(std::shared_ptr<Telechargement> telechargement,
+                                                  std::string_view nomSuggere) {
+    const std::string dossier = dossierTelechargements(plateforme_.dossierTelechargements(),
+                                                       plateforme_.dossierPersonnel());
+    std::string destination =
+        destinationUnique(dossier, nomSuggere,
+                          [this](const std::string& chemin) { return plateforme_.existe(chemin); });
+    const Telechargement* cle = telechargement.get();
+    telechargements_.insert_or_assign(cle,
+                                      EntreeTelechargement{std::move(telechargement), destination});
+    return destination;
+}
+
+void Controleur::telechargementTermine(Telechargement& telechargement) {
+    const auto entree = telechargements_.find(&telechargement);
+    if (entree == telechargements_.end()) return;
+    const std::string destination = entree->second.destination;
+    telechargements_.erase(entree);
+    Journal::ecrire("telechargement OK " + nomDeChemin(destination));
+    plateforme_.reveler(destination);
+}
+
+void Controleur::telechargementEchoue(Telechargement& telechargement,
+                                      const std::string& description) {
+    telechargements_.erase(&telechargement);
+    Journal::ecrire("telechargement ECHEC " + description);
+    plateforme_.alerte(alerteSimple("Téléchargement impossible", description),
+                       [](ReponseAlerte) {});
+}
+
+std::optional<std::string> Controleur::destinationDe(const Telechargement& telechargement) const {
+    const auto entree = telechargements_.find(&telechargement);
+    if (entree == telechargements_.end()) return std::nullopt;
+    return entree->second.destination;
+}
+
+}  // namespace brindex
