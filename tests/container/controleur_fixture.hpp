@@ -1,0 +1,61 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "address/normalisation.hpp"
+#include "container/controleur.hpp"
+#include "log/journal.hpp"
+#include "support/plateforme_test.hpp"
+
+namespace brindex::test {
+
+// A controller on the in-memory platform, with the log in a temporary file.
+class ControleurTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+        dossier = std::filesystem::temp_directory_path() /
+                  (std::string("brindex-ctl-") + info->test_suite_name() + "-" + info->name());
+        std::filesystem::remove_all(dossier);
+        std::filesystem::create_directories(dossier);
+        Journal::definirChemin((dossier / "Brindex.log").string());
+        controleur = Controleur::creer(p);
+    }
+    void TearDown() override {
+        Journal::definirChemin("");
+        std::filesystem::remove_all(dossier);
+    }
+
+    FenetreTest& fenetre() { return *p.principales.at(0); }
+    void stocker(const std::string& texte) { p.reglages_.valeurs["espaceURL"] = texte; }
+    VueWebTest& principale() { return static_cast<VueWebTest&>(*controleur->webView()); }
+    // Opens the stored space and finishes its first load.
+    VueWebTest& espaceCharge(const std::string& adresse = "https://espace.example/wiki") {
+        stocker(adresse);
+        controleur->demarrer();
+        principale().urlCourante = adresse;
+        controleur->chargementTermine(principale());
+        return principale();
+    }
+    // A page of `ouvreur` opens a window on `url`.
+    std::shared_ptr<VueWeb> popup(VueWeb& ouvreur, std::optional<std::string> url) {
+        return controleur->creerVueWebDemandee(ouvreur, url, configuration);
+    }
+    std::vector<std::string> lignesJournal() const {
+        std::ifstream f(dossier / "Brindex.log");
+        std::vector<std::string> lignes;
+        for (std::string l; std::getline(f, l);) lignes.push_back(l.substr(l.find(' ') + 1));
+        return lignes;
+    }
+
+    std::filesystem::path dossier;
+    PlateformeTest p;
+    ConfigurationTest configuration;
+    std::shared_ptr<Controleur> controleur;
+};
+
+}  // namespace brindex::test
