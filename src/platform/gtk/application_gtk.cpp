@@ -1,0 +1,269 @@
+#include "application_gtk.hpp"
+
+#include <webkit/webkit.h>
+
+#include <string>
+#include <vector>
+
+#include "app/menus.hpp"
+#include "log/journal.hpp"
+#include "services_gtk.hpp"
+
+namespace brindex::gtk {
+
+namespace {
+
+// "performClose:" becomes the action "performClose".
+std::string nomAction(const ElementMenu& element) {
+    std::string nom(element.selecteur);
+    if (!nom.empty() && nom.back() == ':') nom.pop_back();
+    return nom;
+}
+
+// Items that only make sense with the macOS Dock and application switcher.
+bool propreAMacos(Commande commande) {
+    return commande == Commande::masquer || commande == Commande::masquerAutres ||
+           commande == Commande::toutAfficher;
+}
+
+// Keys Linux users also expect beside the menu's own.
+std::vector<std::string> accelerateursEnPlus(Commande commande) {
+    if (commande == Commande::pleinEcran) return {"F11"};
+    if (commande == Commande::zoomPlus) return {"<Control>equal", "<Control>KP_Add"};
+    if (commande == Commande::zoomMoins) return {"<Control>KP_Subtract"};
+    if (commande == Commande::recharger) return {"F5"};
+    return {};
+}
+
+// Editing commands go to the focused web view, or to the focused GTK widget's own action.
+struct Edition {
+    Commande commande;
+    const char* web;  // WebKit's editing command name
+    const char* action;
+};
+
+const Edition* edition(Commande commande) {
+    static const Edition editions[] = {
+        {Commande::couper, WEBKIT_EDITING_COMMAND_CUT, "clipboard.cut"},
+        {Commande::copier, WEBKIT_EDITING_COMMAND_COPY, "clipboard.copy"},
+        {Commande::coller, WEBKIT_EDITING_COMMAND_PASTE, "clipboard.paste"},
+        {Commande::toutSelectionner, WEBKIT_EDITING_COMMAND_SELECT_ALL, "selection.select-all"},
+        {Commande::annuler, WEBKIT_EDITING_COMMAND_UNDO, "text.undo"},
+        {Commande::retablir, WEBKIT_EDITING_COMMAND_REDO, "text.redo"},
+    };
+    for (const Edition& e : editions) {
+        if (e.commande == commande) return &e;
+    }
+    return nullptr;
+}
+
+struct ActionMenu {
+    ApplicationGtk* application;
+    Commande commande;
+    Cible cible;
+};
+
+}  // namespace
+
+ApplicationGtk::ApplicationGtk()
+    : application_(Ref<GtkApplication>::prendre(gtk_application_new(
+          std::string(Marque::identifiant).c_str(), G_APPLICATION_DEFAULT_FLAGS))) {
+    g_signal_connect(application_.get(), "activate", G_CALLBACK(surActivation), this);
+}
+
+ApplicationGtk::~ApplicationGtk() {
+    g_signal_handlers_disconnect_by_data(application_.get(), this);
+    // The controller's windows go before the platform that made them.
+    controleur_.reset();
+    plateforme_.reset();
+}
+
+int ApplicationGtk::executer(int argc, char** argv) {
+    return g_application_run(G_APPLICATION(application_.get()), argc, argv);
+}
+
+void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
+    auto* soi = static_cast<ApplicationGtk*>(donnees);
+    if (soi->controleur_) {
+        // Launched again: the running application comes forward.
+        bool visibles = false;
+        for (GList* l = gtk_application_get_windows(soi->application_.get()); l; l = l->next) {
+            visibles = visibles || gtk_widget_get_visible(GTK_WIDGET(l->data));
+        }
+        reouvrir(*soi->controleur_, visibles);
+        soi->controleur_->fenetre().devant();
+        return;
+    }
+    Journal::definirChemin(cheminJournalGtk());
+    soi->plateforme_ = std::make_unique<PlateformeGtk>(soi->application_.get());
+    soi->controleur_ = Controleur::creer(*soi->plateforme_);
+    soi->plateforme_->definirControleur(soi->controleur_);
+    if (const auto principale = soi->plateforme_->fenetrePrincipale()) {
+        // Closing the main window ends the application.
+        g_signal_connect_swapped(principale->fenetre(), "destroy", G_CALLBACK(g_application_quit),
+                                 soi->application_.get());
+    }
+    lancer(*soi, *soi->controleur_);
+    if (soi->apresLancement) soi->apresLancement();
+}
+
+void ApplicationGtk::construireMenus() {
+    GtkApplication* app = application_.get();
+    GMenu* barre = g_menu_new();
+    for (const Menu& menu : barreDeMenus()) {
+        GMenu* sousMenu = g_menu_new();
+        GMenu* section = g_menu_new();
+        for (const ElementMenu& element : menu.elements) {
+            if (element.separateur) {
+                if (g_menu_model_get_n_items(G_MENU_MODEL(section)) > 0) {
+                    g_menu_append_section(sousMenu, nullptr, G_MENU_MODEL(section));
+                    g_object_unref(section);
+                    section = g_menu_new();
+                }
+                continue;
+            }
+            if (!element.commande || propreAMacos(*element.commande)) continue;
+            const std::string nom = nomAction(element);
+            GSimpleAction* action = g_simple_action_new(nom.c_str(), nullptr);
+            auto* donnees = new ActionMenu{this, *element.commande, cibleDe(menu, element)};
+            g_signal_connect_data(
+                action, "activate", G_CALLBACK(+[](GSimpleAction*, GVariant*, gpointer d) {
+                    const auto* a = static_cast<ActionMenu*>(d);
+                    // Items aimed at the controller reach it; the others go to GTK's own
+                    // receivers.
+                    if (a->cible == Cible::controleur && a->application->controleur()) {
+                        a->application->controleur()->executer(a->commande);
+                    } else {
+                        a->application->commandeStandard(a->commande);
+                    }
+                }),
+                donnees, [](gpointer d, GClosure*) { delete static_cast<ActionMenu*>(d); },
+                GConnectFlags(0));
+            g_action_map_add_action(G_ACTION_MAP(app), G_ACTION(action));
+            g_object_unref(action);
+
+            const std::string detaille = "app." + nom;
+            std::vector<std::string> touches;
+            if (auto principal = accelerateurGtk(element); !principal.empty()) {
+                touches.push_back(std::move(principal));
+            }
+            for (auto& autre : accelerateursEnPlus(*element.commande)) touches.push_back(autre);
+            std::vector<const char*> liste;
+            for (const auto& t : touches) liste.push_back(t.c_str());
+            liste.push_back(nullptr);
+            gtk_application_set_accels_for_action(app, detaille.c_str(), liste.data());
+
+            const std::string titre(element.titre);
+            g_menu_append(section, titre.c_str(), detaille.c_str());
+        }
+        if (g_menu_model_get_n_items(G_MENU_MODEL(section)) > 0) {
+            g_menu_append_section(sousMenu, nullptr, G_MENU_MODEL(section));
+        }
+        g_object_unref(section);
+        const std::string titre(menu.titre.empty() ? menu.titreBarre : menu.titre);
+        g_menu_append_submenu(barre, titre.c_str(), G_MENU_MODEL(sousMenu));
+        g_object_unref(sousMenu);
+    }
+    gtk_application_set_menubar(app, G_MENU_MODEL(barre));
+    g_object_unref(barre);
+}
+
+void ApplicationGtk::activer() {
+    if (controleur_) controleur_->fenetre().devant();
+}
+
+void ApplicationGtk::commande(Commande c) {
+    if (controleur_ && controleurRepond(c)) {
+        controleur_->executer(c);
+        return;
+    }
+    commandeStandard(c);
+}
+
+void ApplicationGtk::commandeStandard(Commande c) {
+    GtkWindow* active = gtk_application_get_active_window(application_.get());
+    if (const Edition* e = edition(c)) {
+        GtkWidget* focus = active ? gtk_root_get_focus(GTK_ROOT(active)) : nullptr;
+        for (GtkWidget* w = focus; w; w = gtk_widget_get_parent(w)) {
+            if (WEBKIT_IS_WEB_VIEW(w)) {
+                webkit_web_view_execute_editing_command(WEBKIT_WEB_VIEW(w), e->web);
+                return;
+            }
+        }
+        if (focus) gtk_widget_activate_action(focus, e->action, nullptr);
+        return;
+    }
+    switch (c) {
+        case Commande::aPropos:
+            aPropos();
+            return;
+        case Commande::quitter:
+            // Closing the main window closes the others and ends the application.
+            if (const auto p = plateforme_ ? plateforme_->fenetrePrincipale() : nullptr) {
+                gtk_window_close(p->fenetre());
+            } else {
+                g_application_quit(G_APPLICATION(application_.get()));
+            }
+            return;
+        case Commande::fermerFenetre:
+            if (active) gtk_window_close(active);
+            return;
+        case Commande::pleinEcran:
+            if (!active) return;
+            if (gtk_window_is_fullscreen(active)) {
+                gtk_window_unfullscreen(active);
+            } else {
+                gtk_window_fullscreen(active);
+            }
+            return;
+        case Commande::reduire:
+            if (active) gtk_window_minimize(active);
+            return;
+        case Commande::reagrandir:
+            if (!active) return;
+            if (gtk_window_is_maximized(active)) {
+                gtk_window_unmaximize(active);
+            } else {
+                gtk_window_maximize(active);
+            }
+            return;
+        case Commande::masquer:
+        case Commande::masquerAutres:
+        case Commande::toutAfficher:
+            // Nothing to hide or show on Linux.
+            return;
+        case Commande::annuler:
+        case Commande::retablir:
+        case Commande::couper:
+        case Commande::copier:
+        case Commande::coller:
+        case Commande::toutSelectionner:
+            return;  // handled above
+        case Commande::recharger:
+        case Commande::rechargerOrigine:
+        case Commande::pagePrecedente:
+        case Commande::pageSuivante:
+        case Commande::accueil:
+        case Commande::zoomPlus:
+        case Commande::zoomMoins:
+        case Commande::zoomReel:
+        case Commande::changerEspace:
+        case Commande::ouvrirSite:
+        case Commande::ouvrirJournal:
+            if (controleur_) controleur_->executer(c);
+            return;
+    }
+}
+
+void ApplicationGtk::aPropos() {
+    GtkWindow* parent = plateforme_ ? plateforme_->fenetreParente() : nullptr;
+    const std::string nom(Marque::nom);
+    const std::string version(Marque::version);
+    const std::string site(Marque::urlSite);
+    gtk_show_about_dialog(
+        parent, "program-name", nom.c_str(), "version", version.c_str(), "logo", icone(), "website",
+        site.c_str(), "website-label", std::string(Marque::domaineSite).c_str(), "comments",
+        "Votre espace Brindex, dans sa propre fenêtre.", "title", "À propos de Brindex", nullptr);
+}
+
+}  // namespace brindex::gtk

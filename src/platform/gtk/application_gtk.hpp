@@ -1,0 +1,50 @@
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <functional>
+#include <memory>
+
+#include "app/commandes.hpp"
+#include "app/lancement.hpp"
+#include "container/controleur.hpp"
+#include "outils_gtk.hpp"
+#include "plateforme_gtk.hpp"
+
+namespace brindex::gtk {
+
+// The one application object: a GtkApplication holding the platform and the one controller.
+class ApplicationGtk : public Coquille {
+  public:
+    ApplicationGtk();
+    ~ApplicationGtk() override;
+    ApplicationGtk(const ApplicationGtk&) = delete;
+    ApplicationGtk& operator=(const ApplicationGtk&) = delete;
+
+    // Runs until the main window closes; gives the exit status.
+    int executer(int argc, char** argv);
+
+    void construireMenus() override;
+    void activer() override;
+
+    // Runs one of the menu bar's commands, as its item or key would.
+    void commande(Commande commande);
+
+    GtkApplication* application() const { return application_.get(); }
+    Controleur* controleur() const { return controleur_.get(); }
+    PlateformeGtk* plateforme() const { return plateforme_.get(); }
+
+    // Runs once the launch is over (tests drive the application from there).
+    std::function<void()> apresLancement;
+
+  private:
+    static void surActivation(GApplication*, gpointer donnees);
+    void commandeStandard(Commande commande);
+    void aPropos();
+
+    Ref<GtkApplication> application_;
+    std::unique_ptr<PlateformeGtk> plateforme_;
+    std::shared_ptr<Controleur> controleur_;
+};
+
+}  // namespace brindex::gtk

@@ -1,0 +1,211 @@
+#include "fenetres_gtk.hpp"
+
+#include <charconv>
+#include <string>
+
+#include "dialogues_gtk.hpp"
+
+namespace brindex::gtk {
+
+namespace {
+
+// The space screen: the web view under a thin progress bar.
+class EcranEspace : public Ecran {
+  public:
+    EcranEspace(GtkWidget* webView, GtkWidget* barre) {
+        GtkWidget* superposition = gtk_overlay_new();
+        gtk_widget_add_css_class(superposition, "ecran");
+        if (GtkWidget* parent = gtk_widget_get_parent(webView)) {
+            // A view can only have one parent; a previous screen may still hold it.
+            if (GTK_IS_OVERLAY(parent)) gtk_overlay_set_child(GTK_OVERLAY(parent), nullptr);
+        }
+        gtk_overlay_set_child(GTK_OVERLAY(superposition), webView);
+        gtk_widget_set_valign(barre, GTK_ALIGN_START);
+        gtk_widget_set_halign(barre, GTK_ALIGN_FILL);
+        gtk_overlay_add_overlay(GTK_OVERLAY(superposition), barre);
+        racine_ = Ref<GtkWidget>::prendre(superposition);
+        focus_ = webView;
+    }
+    GtkWidget* focusInitial() const override { return focus_; }
+
+  private:
+    GtkWidget* focus_;
+};
+
+std::optional<int> entier(const std::optional<std::string>& texte) {
+    if (!texte) return std::nullopt;
+    int valeur = 0;
+    const auto fin = texte->data() + texte->size();
+    const auto [p, e] = std::from_chars(texte->data(), fin, valeur);
+    if (e != std::errc() || p != fin) return std::nullopt;
+    return valeur;
+}
+
+}  // namespace
+
+// ---- Every window ----
+
+template <typename Interface>
+FenetreGtk<Interface>::FenetreGtk(GtkApplication* application, const ParametresFenetre& parametres,
+                                  std::function<void()> vaFermer)
+    : vaFermer_(std::move(vaFermer)) {
+    installerStyle();
+    fenetre_ = Ref<GtkWidget>::prendre(gtk_application_window_new(application));
+    GtkWindow* f = fenetre();
+    gtk_application_window_set_show_menubar(GTK_APPLICATION_WINDOW(f), TRUE);
+    gtk_window_set_default_size(f, static_cast<int>(parametres.largeur),
+                                static_cast<int>(parametres.hauteur));
+    gtk_widget_set_size_request(GTK_WIDGET(f), static_cast<int>(parametres.largeurMin),
+                                static_cast<int>(parametres.hauteurMin));
+    gtk_window_set_title(f, parametres.titre.c_str());
+    gtk_widget_add_css_class(GTK_WIDGET(f), "brindex");
+    g_signal_connect(f, "close-request", G_CALLBACK(surDemandeFermeture), this);
+    g_signal_connect(f, "destroy", G_CALLBACK(+[](GtkWidget*, gpointer donnees) {
+                         static_cast<FenetreGtk*>(donnees)->detruite_ = true;
+                     }),
+                     this);
+}
+
+template <typename Interface>
+FenetreGtk<Interface>::~FenetreGtk() {
+    g_signal_handlers_disconnect_by_data(fenetre_.get(), this);
+    // Let go by the program rather than closed by the user: the window goes with its object.
+    if (!detruite_) gtk_window_destroy(fenetre());
+}
+
+template <typename Interface>
+gboolean FenetreGtk<Interface>::surDemandeFermeture(GtkWindow*, gpointer donnees) {
+    auto* soi = static_cast<FenetreGtk*>(donnees);
+    soi->avantFermeture();
+    // The callback may release this object: it runs from a copy, last.
+    if (auto rappel = soi->vaFermer_) rappel();
+    return FALSE;
+}
+
+template <typename Interface>
+void FenetreGtk<Interface>::definirTitre(const std::string& titre) {
+    gtk_window_set_title(fenetre(), titre.c_str());
+}
+
+template <typename Interface>
+bool FenetreGtk<Interface>::estCle() const {
+    return gtk_window_is_active(fenetre());
+}
+
+template <typename Interface>
+void FenetreGtk<Interface>::devant() {
+    gtk_window_present(fenetre());
+}
+
+template <typename Interface>
+void FenetreGtk<Interface>::fermer() {
+    gtk_window_close(fenetre());
+}
+
+template <typename Interface>
+void FenetreGtk<Interface>::feuille(const Alerte& alerte) {
+    montrerAlerte(fenetre(), alerte, [](ReponseAlerte) {});
+}
+
+template class FenetreGtk<FenetrePrincipale>;
+template class FenetreGtk<Fenetre>;
+
+// ---- The main window ----
+
+FenetrePrincipaleGtk::FenetrePrincipaleGtk(GtkApplication* application,
+                                           const ParametresFenetre& parametres,
+                                           std::function<void()> vaFermer, Reglages& reglages)
+    : FenetreGtk(application, parametres, std::move(vaFermer)),
+      reglages_(reglages),
+      nomSauvegarde_(parametres.nomSauvegarde) {
+    if (!nomSauvegarde_.empty()) {
+        const auto largeur = entier(reglages_.lire(nomSauvegarde_ + "Largeur"));
+        const auto hauteur = entier(reglages_.lire(nomSauvegarde_ + "Hauteur"));
+        if (largeur && hauteur && *largeur >= parametres.largeurMin &&
+            *hauteur >= parametres.hauteurMin && *largeur <= 16384 && *hauteur <= 16384) {
+            gtk_window_set_default_size(fenetre(), *largeur, *hauteur);
+        }
+        if (reglages_.lire(nomSauvegarde_ + "Agrandie") == std::optional<std::string>("1")) {
+            gtk_window_maximize(fenetre());
+        }
+    }
+    barre_ = gtk_progress_bar_new();
+    g_object_ref_sink(barre_);
+    gtk_widget_set_name(barre_, "barreProgression");
+    gtk_widget_add_css_class(barre_, "chargement");
+    gtk_widget_set_visible(barre_, FALSE);
+}
+
+FenetrePrincipaleGtk::~FenetrePrincipaleGtk() {
+    g_object_unref(barre_);
+}
+
+void FenetrePrincipaleGtk::avantFermeture() {
+    if (nomSauvegarde_.empty()) return;
+    const bool agrandie = gtk_window_is_maximized(fenetre());
+    reglages_.ecrire(nomSauvegarde_ + "Agrandie", std::string(agrandie ? "1" : "0"));
+    if (agrandie || gtk_window_is_fullscreen(fenetre())) return;
+    int largeur = 0;
+    int hauteur = 0;
+    gtk_window_get_default_size(fenetre(), &largeur, &hauteur);
+    if (largeur > 0 && hauteur > 0) {
+        reglages_.ecrire(nomSauvegarde_ + "Largeur", std::to_string(largeur));
+        reglages_.ecrire(nomSauvegarde_ + "Hauteur", std::to_string(hauteur));
+    }
+}
+
+void FenetrePrincipaleGtk::remplacer(std::unique_ptr<Ecran> ecran) {
+    // The new screen goes in before the old one's object goes, so that no widget of the old
+    // screen outlives the object its signals point at while it is still shown.
+    gtk_window_set_child(fenetre(), ecran->racine());
+    ecran_ = std::move(ecran);
+    if (GtkWidget* focus = ecran_->focusInitial()) gtk_widget_grab_focus(focus);
+}
+
+void FenetrePrincipaleGtk::montrerConfiguration(std::shared_ptr<VueConfiguration> vue) {
+    auto ecran = std::make_unique<EcranConfiguration>(vue);
+    auto* controles = ecran.get();
+    remplacer(std::move(ecran));
+    vue->attacher(*controles);
+}
+
+void FenetrePrincipaleGtk::montrerEspace(std::shared_ptr<VueWeb> vue) {
+    auto* gtkVue = dynamic_cast<VueWebGtk*>(vue.get());
+    if (!gtkVue) return;
+    gtk_widget_set_visible(barre_, FALSE);
+    if (GtkWidget* parent = gtk_widget_get_parent(barre_)) {
+        gtk_overlay_remove_overlay(GTK_OVERLAY(parent), barre_);
+    }
+    remplacer(std::make_unique<EcranEspace>(gtkVue->widget(), barre_));
+}
+
+void FenetrePrincipaleGtk::montrerErreur(std::shared_ptr<VueErreur> vue) {
+    auto ecran = std::make_unique<EcranErreur>(vue);
+    remplacer(std::move(ecran));
+}
+
+void FenetrePrincipaleGtk::progression(double valeur, bool visible) {
+    gtk_progress_bar_set_fraction(GTK_PROGRESS_BAR(barre_), valeur);
+    gtk_widget_set_visible(barre_, visible);
+}
+
+// ---- Secondary windows ----
+
+FenetreSecondaireGtk::FenetreSecondaireGtk(GtkApplication* application,
+                                           const ParametresFenetre& parametres,
+                                           std::shared_ptr<VueWeb> vue,
+                                           std::function<void()> vaFermer)
+    : FenetreGtk(application, parametres, std::move(vaFermer)), vue_(std::move(vue)) {
+    auto* gtkVue = dynamic_cast<VueWebGtk*>(vue_.get());
+    if (!gtkVue) return;
+    gtk_window_set_child(fenetre(), gtkVue->widget());
+    // WebKit says when the new page may be shown.
+    GtkWindow* f = fenetre();
+    gtkVue->pretAAfficher = [f] { gtk_window_present(f); };
+}
+
+FenetreSecondaireGtk::~FenetreSecondaireGtk() {
+    if (auto* gtkVue = dynamic_cast<VueWebGtk*>(vue_.get())) gtkVue->pretAAfficher = nullptr;
+}
+
+}  // namespace brindex::gtk

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <string>
+#include <utility>
+
+#include "brand/marque.hpp"
+
+namespace brindex::gtk {
+
+// Holds one reference to a GObject and drops it when it goes.
+template <typename T>
+class Ref {
+  public:
+    Ref() = default;
+    // Takes a reference the caller already owns (sinking a floating one).
+    static Ref prendre(T* objet) {
+        Ref r;
+        if (objet) r.objet_ = static_cast<T*>(g_object_ref_sink(objet));
+        return r;
+    }
+    // Adds a reference of its own.
+    static Ref partager(T* objet) {
+        Ref r;
+        if (objet) r.objet_ = static_cast<T*>(g_object_ref(objet));
+        return r;
+    }
+    Ref(const Ref& autre) : objet_(autre.objet_) {
+        if (objet_) g_object_ref(objet_);
+    }
+    Ref(Ref&& autre) noexcept : objet_(std::exchange(autre.objet_, nullptr)) {}
+    Ref& operator=(Ref autre) noexcept {
+        std::swap(objet_, autre.objet_);
+        return *this;
+    }
+    ~Ref() {
+        if (objet_) g_object_unref(objet_);
+    }
+    T* get() const { return objet_; }
+    explicit operator bool() const { return objet_ != nullptr; }
+
+  private:
+    T* objet_ = nullptr;
+};
+
+inline GdkRGBA rgba(const Couleur& c, double opacite = 1.0) {
+    return GdkRGBA{static_cast<float>(c.rouge), static_cast<float>(c.vert),
+                   static_cast<float>(c.bleu), static_cast<float>(c.alpha * opacite)};
+}
+
+// The colour as CSS text, "rgba(8,17,25,1)".
+std::string css(const Couleur& c, double opacite = 1.0);
+
+// Installs, once for the display, the style sheet of the application's own widgets.
+void installerStyle();
+
+// The application's icon, drawn from the artwork built into the program.
+GdkPaintable* icone();
+
+}  // namespace brindex::gtk

@@ -1,0 +1,147 @@
+#include "plateforme_gtk.hpp"
+
+#include <filesystem>
+#include <system_error>
+
+#include "dialogues_gtk.hpp"
+#include "services_gtk.hpp"
+#include "vue_web_gtk.hpp"
+
+namespace brindex::gtk {
+
+PlateformeGtk::PlateformeGtk(GtkApplication* application)
+    : application_(application), reglages_(ReglagesGtk::parDefaut()) {
+    // Every download of every view goes through the one persistent session.
+    g_signal_connect(webkit_network_session_get_default(), "download-started",
+                     G_CALLBACK(surTelechargement), this);
+}
+
+PlateformeGtk::~PlateformeGtk() {
+    g_signal_handlers_disconnect_by_data(webkit_network_session_get_default(), this);
+    for (const auto& [telechargement, entree] : telechargements_) {
+        g_signal_handlers_disconnect_by_data(telechargement, this);
+    }
+}
+
+void PlateformeGtk::definirControleur(std::weak_ptr<Controleur> controleur) {
+    controleur_ = std::move(controleur);
+}
+
+std::shared_ptr<FenetrePrincipale> PlateformeGtk::creerFenetrePrincipale(
+    const ParametresFenetre& parametres, std::function<void()> vaFermer) {
+    auto fenetre = std::make_shared<FenetrePrincipaleGtk>(application_, parametres,
+                                                          std::move(vaFermer), reglages_);
+    principale_ = fenetre;
+    return fenetre;
+}
+
+std::shared_ptr<VueWeb> PlateformeGtk::creerVueWeb(const ParametresVueWeb& parametres,
+                                                   const ConfigurationMoteur* configuration) {
+    const auto* gtkConfiguration = dynamic_cast<const ConfigurationGtk*>(configuration);
+    return std::make_shared<VueWebGtk>(
+        parametres, gtkConfiguration ? gtkConfiguration->ouvreur : nullptr, controleur_);
+}
+
+std::shared_ptr<Fenetre> PlateformeGtk::creerFenetreSecondaire(const ParametresFenetre& parametres,
+                                                               std::shared_ptr<VueWeb> vue,
+                                                               std::function<void()> vaFermer) {
+    return std::make_shared<FenetreSecondaireGtk>(application_, parametres, std::move(vue),
+                                                  std::move(vaFermer));
+}
+
+void PlateformeGtk::ouvrirUrl(const std::string& url) {
+    ouvrirUriParDefaut(url);
+}
+
+void PlateformeGtk::reveler(const std::string& chemin) {
+    revelerFichier(chemin);
+}
+
+GtkWindow* PlateformeGtk::fenetreParente() const {
+    if (GtkWindow* active = gtk_application_get_active_window(application_)) return active;
+    if (const auto principale = principale_.lock()) return principale->fenetre();
+    return nullptr;
+}
+
+void PlateformeGtk::alerte(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) {
+    montrerAlerte(fenetreParente(), alerte, std::move(reponse));
+}
+
+void PlateformeGtk::choisirFichiers(const DemandeFichiers& demande,
+                                    std::function<void(FichiersChoisis)> reponse) {
+    gtk::choisirFichiers(fenetreParente(), demande, std::move(reponse));
+}
+
+std::optional<std::string> PlateformeGtk::dossierTelechargements() {
+    return dossierTelechargementsGtk();
+}
+
+std::string PlateformeGtk::dossierPersonnel() {
+    return dossierPersonnelGtk();
+}
+
+bool PlateformeGtk::existe(const std::string& chemin) {
+    // A dangling link still takes the name.
+    std::error_code erreur;
+    const auto etat = std::filesystem::symlink_status(chemin, erreur);
+    return !erreur && etat.type() != std::filesystem::file_type::not_found;
+}
+
+// ---- Downloads ----
+
+std::shared_ptr<TelechargementGtk> PlateformeGtk::entree(WebKitDownload* telechargement) const {
+    const auto trouve = telechargements_.find(telechargement);
+    return trouve == telechargements_.end() ? nullptr : trouve->second;
+}
+
+void PlateformeGtk::surTelechargement(WebKitNetworkSession*, WebKitDownload* telechargement,
+                                      gpointer donnees) {
+    auto* soi = static_cast<PlateformeGtk*>(donnees);
+    soi->telechargements_.emplace(telechargement,
+                                  std::make_shared<TelechargementGtk>(telechargement));
+    // WebKit refuses an existing destination rather than overwriting it.
+    webkit_download_set_allow_overwrite(telechargement, FALSE);
+    g_signal_connect(telechargement, "decide-destination", G_CALLBACK(surDestination), soi);
+    g_signal_connect(telechargement, "failed", G_CALLBACK(surEchecTelechargement), soi);
+    g_signal_connect(telechargement, "finished", G_CALLBACK(surFinTelechargement), soi);
+}
+
+gboolean PlateformeGtk::surDestination(WebKitDownload* telechargement, char* nomSuggere,
+                                       gpointer donnees) {
+    auto* soi = static_cast<PlateformeGtk*>(donnees);
+    const auto c = soi->controleur_.lock();
+    const auto t = soi->entree(telechargement);
+    if (!c || !t) {
+        webkit_download_cancel(telechargement);
+        return TRUE;
+    }
+    const std::string destination = c->destinationTelechargement(t, nomSuggere ? nomSuggere : "");
+    webkit_download_set_allow_overwrite(telechargement, FALSE);
+    webkit_download_set_destination(telechargement, destination.c_str());
+    return TRUE;
+}
+
+void PlateformeGtk::surEchecTelechargement(WebKitDownload* telechargement, GError* erreur,
+                                           gpointer donnees) {
+    auto* soi = static_cast<PlateformeGtk*>(donnees);
+    const auto t = soi->entree(telechargement);
+    if (!t) return;
+    t->echoue = true;
+    if (const auto c = soi->controleur_.lock()) {
+        c->telechargementEchoue(*t, erreur && erreur->message ? erreur->message : "");
+    }
+}
+
+void PlateformeGtk::surFinTelechargement(WebKitDownload* telechargement, gpointer donnees) {
+    auto* soi = static_cast<PlateformeGtk*>(donnees);
+    const auto t = soi->entree(telechargement);
+    if (!t) return;
+    // WebKit reports a failed download as finished too, after the failure.
+    if (!t->echoue) {
+        if (const auto c = soi->controleur_.lock()) c->telechargementTermine(*t);
+    }
+    g_signal_handlers_disconnect_by_data(telechargement, soi);
+    soi->telechargements_.erase(telechargement);
+}
+
+}  // namespace brindex::gtk

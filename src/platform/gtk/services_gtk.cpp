@@ -1,0 +1,83 @@
+#include "services_gtk.hpp"
+
+#include <gio/gio.h>
+
+namespace brindex::gtk {
+
+void ouvrirUriParDefaut(const std::string& uri) {
+    // Asynchronous: a slow handler never holds up the window.
+    g_app_info_launch_default_for_uri_async(uri.c_str(), nullptr, nullptr, nullptr, nullptr);
+}
+
+namespace {
+
+void ouvrirDossierDe(const std::string& chemin) {
+    GFile* fichier = g_file_new_for_path(chemin.c_str());
+    GFile* dossier = g_file_get_parent(fichier);
+    if (dossier) {
+        char* uri = g_file_get_uri(dossier);
+        ouvrirUriParDefaut(uri);
+        g_free(uri);
+        g_object_unref(dossier);
+    }
+    g_object_unref(fichier);
+}
+
+}  // namespace
+
+void revelerFichier(const std::string& chemin) {
+    GFile* fichier = g_file_new_for_path(chemin.c_str());
+    char* uri = g_file_get_uri(fichier);
+    g_object_unref(fichier);
+    const char* uris[] = {uri, nullptr};
+    GVariant* parametres = g_variant_new("(^ass)", uris, "");
+    g_free(uri);
+    // The file manager's own interface selects the file; without one, its folder opens.
+    GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+    if (!bus) {
+        g_variant_unref(g_variant_ref_sink(parametres));
+        ouvrirDossierDe(chemin);
+        return;
+    }
+    g_dbus_connection_call(
+        bus, "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+        "org.freedesktop.FileManager1", "ShowItems", parametres, nullptr, G_DBUS_CALL_FLAGS_NONE,
+        5000, nullptr,
+        [](GObject* source, GAsyncResult* resultat, gpointer donnees) {
+            auto* c = static_cast<std::string*>(donnees);
+            GError* erreur = nullptr;
+            GVariant* reponse =
+                g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), resultat, &erreur);
+            if (reponse) {
+                g_variant_unref(reponse);
+            } else {
+                g_clear_error(&erreur);
+                ouvrirDossierDe(*c);
+            }
+            delete c;
+        },
+        new std::string(chemin));
+    g_object_unref(bus);
+}
+
+std::optional<std::string> dossierTelechargementsGtk() {
+    const char* dossier = g_get_user_special_dir(G_USER_DIRECTORY_DOWNLOAD);
+    if (!dossier || !*dossier) return std::nullopt;
+    return std::string(dossier);
+}
+
+std::string dossierPersonnelGtk() {
+    return g_get_home_dir();
+}
+
+std::string cheminJournalGtk() {
+    char* dossier = g_build_filename(g_get_user_state_dir(), "brindex", nullptr);
+    g_mkdir_with_parents(dossier, 0700);
+    char* chemin = g_build_filename(dossier, "Brindex.log", nullptr);
+    std::string resultat = chemin;
+    g_free(chemin);
+    g_free(dossier);
+    return resultat;
+}
+
+}  // namespace brindex::gtk

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace brindex::gtk {
+
+// Hands a URI to the desktop's default handler (browser, mail, telephone, file manager).
+void ouvrirUriParDefaut(const std::string& uri);
+
+// Shows the file selected in the file manager, or at least its folder.
+void revelerFichier(const std::string& chemin);
+
+std::optional<std::string> dossierTelechargementsGtk();
+std::string dossierPersonnelGtk();
+
+// $XDG_STATE_HOME/brindex/Brindex.log, its folder created.
+std::string cheminJournalGtk();
+
+}  // namespace brindex::gtk

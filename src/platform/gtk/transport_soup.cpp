@@ -1,0 +1,106 @@
+#include "transport_soup.hpp"
+
+#include <libsoup/soup.h>
+
+#include <cmath>
+
+#include "erreurs_gtk.hpp"
+
+namespace brindex::gtk {
+
+namespace {
+
+// Everything one exchange needs until its answer.
+struct Echange {
+    SoupSession* session = nullptr;
+    SoupMessage* message = nullptr;
+    GCancellable* annulation = g_cancellable_new();
+    guint minuterie = 0;
+    bool expire = false;
+    std::function<void(EchangeTermine)> fin;
+
+    ~Echange() {
+        if (minuterie) g_source_remove(minuterie);
+        g_object_unref(annulation);
+        if (message) g_object_unref(message);
+        if (session) g_object_unref(session);
+    }
+};
+
+ErreurTransport erreurTransport(const Echange& echange, const GError* erreur) {
+    if (echange.expire) return {-1001, "La requête a expiré."};
+    if (g_error_matches(erreur, G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE) && echange.message) {
+        const auto tls = erreurTls(soup_message_get_tls_peer_certificate_errors(echange.message),
+                                   erreur->message);
+        return {tls.code, tls.description};
+    }
+    const auto traduite = erreurDepuisGError(erreur);
+    // A failure outside the table keeps its message; its code matches no known case.
+    if (traduite.domaine != domaineUrl) return {0, traduite.description};
+    return {traduite.code, traduite.description};
+}
+
+void surReponse(GObject* source, GAsyncResult* resultat, gpointer donnees) {
+    auto* echange = static_cast<Echange*>(donnees);
+    GError* erreur = nullptr;
+    GBytes* corps = soup_session_send_and_read_finish(SOUP_SESSION(source), resultat, &erreur);
+    EchangeTermine termine;
+    if (corps) {
+        termine.reponse = EchangeTermine::Reponse::http;
+        termine.statut = static_cast<int>(soup_message_get_status(echange->message));
+        gsize taille = 0;
+        const auto* octets = static_cast<const char*>(g_bytes_get_data(corps, &taille));
+        termine.corps = std::string(octets ? octets : "", taille);
+        g_bytes_unref(corps);
+    } else {
+        termine.erreur = erreurTransport(*echange, erreur);
+        g_clear_error(&erreur);
+    }
+    auto fin = std::move(echange->fin);
+    delete echange;
+    if (fin) fin(std::move(termine));
+}
+
+}  // namespace
+
+void TransportSoup::envoyer(const RequeteSonde& requete, std::function<void(EchangeTermine)> fin) {
+    auto* echange = new Echange;
+    echange->fin = std::move(fin);
+    echange->message = soup_message_new(requete.methode.c_str(), requete.url.c_str());
+    if (!echange->message) {
+        // Answered later, like any other exchange.
+        g_idle_add_once(
+            [](gpointer d) {
+                auto* e = static_cast<Echange*>(d);
+                EchangeTermine termine;
+                termine.erreur = ErreurTransport{-1000, "Adresse invalide."};
+                auto rappel = std::move(e->fin);
+                delete e;
+                if (rappel) rappel(std::move(termine));
+            },
+            echange);
+        return;
+    }
+    const auto secondes = static_cast<guint>(std::ceil(requete.delaiSecondes));
+    echange->session =
+        soup_session_new_with_options("timeout", secondes, "idle-timeout", secondes, "user-agent",
+                                      requete.agentUtilisateur.c_str(), nullptr);
+    // The time-out covers the whole exchange, name resolution included.
+    echange->minuterie = g_timeout_add(
+        static_cast<guint>(requete.delaiSecondes * 1000),
+        [](gpointer d) -> gboolean {
+            auto* e = static_cast<Echange*>(d);
+            e->minuterie = 0;
+            e->expire = true;
+            g_cancellable_cancel(e->annulation);
+            return G_SOURCE_REMOVE;
+        },
+        echange);
+    if (requete.ignorerCache) {
+        soup_message_disable_feature(echange->message, SOUP_TYPE_CACHE);
+    }
+    soup_session_send_and_read_async(echange->session, echange->message, G_PRIORITY_DEFAULT,
+                                     echange->annulation, surReponse, echange);
+}
+
+}  // namespace brindex::gtk

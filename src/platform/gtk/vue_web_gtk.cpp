@@ -1,0 +1,327 @@
+#include "vue_web_gtk.hpp"
+
+#include <string>
+#include <vector>
+
+#include "erreurs_gtk.hpp"
+
+namespace brindex::gtk {
+
+namespace {
+
+VueWebGtk* soi(gpointer donnees) {
+    return static_cast<VueWebGtk*>(donnees);
+}
+
+std::optional<std::string> texte(const char* c) {
+    if (!c) return std::nullopt;
+    return std::string(c);
+}
+
+WebKitSettings* reglagesMoteur(const ParametresVueWeb& parametres) {
+    WebKitSettings* reglages = webkit_settings_new();
+    // "Name/Version" is appended to the engine's own user agent.
+    const std::string& suffixe = parametres.agentSuffixe;
+    const auto barre = suffixe.find('/');
+    const std::string nom = suffixe.substr(0, barre);
+    const std::string version = barre == std::string::npos ? "" : suffixe.substr(barre + 1);
+    webkit_settings_set_user_agent_with_application_details(reglages, nom.c_str(), version.c_str());
+    webkit_settings_set_enable_back_forward_navigation_gestures(reglages,
+                                                                parametres.gestesHistorique);
+    return reglages;
+}
+
+ActionNavigation actionDepuis(WebKitNavigationAction* action, CadreCible cible) {
+    ActionNavigation valeur;
+    WebKitURIRequest* requete = webkit_navigation_action_get_request(action);
+    valeur.url = texte(requete ? webkit_uri_request_get_uri(requete) : nullptr);
+    valeur.type =
+        webkit_navigation_action_get_navigation_type(action) == WEBKIT_NAVIGATION_TYPE_LINK_CLICKED
+            ? TypeNavigation::lienActive
+            : TypeNavigation::autre;
+    valeur.cible = cible;
+    return valeur;
+}
+
+void appliquer(WebKitPolicyDecision* decision, Politique politique) {
+    switch (politique) {
+        case Politique::autoriser:
+            webkit_policy_decision_use(decision);
+            return;
+        case Politique::telecharger:
+            webkit_policy_decision_download(decision);
+            return;
+        case Politique::annuler:
+            webkit_policy_decision_ignore(decision);
+            return;
+    }
+    webkit_policy_decision_ignore(decision);
+}
+
+}  // namespace
+
+VueWebGtk::VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
+                     std::weak_ptr<Controleur> controleur)
+    : controleur_(std::move(controleur)) {
+    WebKitSettings* reglages = reglagesMoteur(parametres);
+    GObject* objet = nullptr;
+    if (ouvreur) {
+        // A popup must share its opener's web process and session.
+        objet = static_cast<GObject*>(g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", ouvreur,
+                                                   "settings", reglages, nullptr));
+    } else {
+        // The default network session keeps cookies and site data across launches.
+        objet = static_cast<GObject*>(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
+                                                   webkit_network_session_get_default(), "settings",
+                                                   reglages, nullptr));
+    }
+    g_object_unref(reglages);
+    vue_ = Ref<WebKitWebView>::prendre(WEBKIT_WEB_VIEW(objet));
+    const GdkRGBA fond = rgba(Marque::fond);
+    webkit_web_view_set_background_color(vue_.get(), &fond);
+    gtk_widget_set_hexpand(widget(), TRUE);
+    gtk_widget_set_vexpand(widget(), TRUE);
+    connecter();
+}
+
+VueWebGtk::~VueWebGtk() {
+    detacher();
+}
+
+void VueWebGtk::connecter() {
+    WebKitWebView* v = vue_.get();
+    g_signal_connect(v, "decide-policy", G_CALLBACK(surPolitique), this);
+    g_signal_connect(v, "load-changed", G_CALLBACK(surChargement), this);
+    g_signal_connect(v, "load-failed", G_CALLBACK(surEchec), this);
+    g_signal_connect(v, "load-failed-with-tls-errors", G_CALLBACK(surEchecTls), this);
+    g_signal_connect(v, "create", G_CALLBACK(surCreation), this);
+    g_signal_connect(v, "ready-to-show", G_CALLBACK(surPret), this);
+    g_signal_connect(v, "close", G_CALLBACK(surFermeture), this);
+    g_signal_connect(v, "script-dialog", G_CALLBACK(surDialogue), this);
+    g_signal_connect(v, "run-file-chooser", G_CALLBACK(surChoixFichiers), this);
+    g_signal_connect(v, "notify::title", G_CALLBACK(surTitre), this);
+    g_signal_connect(v, "notify::estimated-load-progress", G_CALLBACK(surProgression), this);
+}
+
+void VueWebGtk::detacher() {
+    if (!attachee_) return;
+    attachee_ = false;
+    pretAAfficher = nullptr;
+    if (vue_) g_signal_handlers_disconnect_by_data(vue_.get(), this);
+}
+
+// ---- Commands ----
+
+void VueWebGtk::charger(const std::string& url, double) {
+    // WebKitGTK has no per-request time-out; the network layer's own applies.
+    webkit_web_view_load_uri(vue_.get(), url.c_str());
+}
+void VueWebGtk::arreter() {
+    webkit_web_view_stop_loading(vue_.get());
+}
+void VueWebGtk::recharger() {
+    webkit_web_view_reload(vue_.get());
+}
+void VueWebGtk::rechargerOrigine() {
+    webkit_web_view_reload_bypass_cache(vue_.get());
+}
+void VueWebGtk::reculer() {
+    webkit_web_view_go_back(vue_.get());
+}
+void VueWebGtk::avancer() {
+    webkit_web_view_go_forward(vue_.get());
+}
+double VueWebGtk::zoom() const {
+    return webkit_web_view_get_zoom_level(vue_.get());
+}
+void VueWebGtk::definirZoom(double zoom) {
+    webkit_web_view_set_zoom_level(vue_.get(), zoom);
+}
+std::optional<std::string> VueWebGtk::url() const {
+    return texte(webkit_web_view_get_uri(vue_.get()));
+}
+std::optional<std::string> VueWebGtk::titre() const {
+    return texte(webkit_web_view_get_title(vue_.get()));
+}
+double VueWebGtk::progression() const {
+    return webkit_web_view_get_estimated_load_progress(vue_.get());
+}
+
+// ---- Engine callbacks ----
+
+gboolean VueWebGtk::surPolitique(WebKitWebView*, WebKitPolicyDecision* decision,
+                                 WebKitPolicyDecisionType type, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    const auto c = vue->controleur_.lock();
+    if (!c) {
+        webkit_policy_decision_ignore(decision);
+        return TRUE;
+    }
+    switch (type) {
+        case WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION: {
+            // WebKitGTK doesn't say which frame a navigation targets: every navigation
+            // action is held to the view's origin as if it filled the view.
+            auto* navigation = WEBKIT_NAVIGATION_POLICY_DECISION(decision);
+            const auto action =
+                actionDepuis(webkit_navigation_policy_decision_get_navigation_action(navigation),
+                             CadreCible::principal);
+            appliquer(decision, c->deciderAction(*vue, action));
+            return TRUE;
+        }
+        case WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION: {
+            auto* navigation = WEBKIT_NAVIGATION_POLICY_DECISION(decision);
+            const auto action =
+                actionDepuis(webkit_navigation_policy_decision_get_navigation_action(navigation),
+                             CadreCible::aucun);
+            appliquer(decision, c->deciderAction(*vue, action));
+            return TRUE;
+        }
+        case WEBKIT_POLICY_DECISION_TYPE_RESPONSE: {
+            auto* reponse = WEBKIT_RESPONSE_POLICY_DECISION(decision);
+            WebKitURIResponse* r = webkit_response_policy_decision_get_response(reponse);
+            ReponseNavigation valeur;
+            SoupMessageHeaders* entetes = r ? webkit_uri_response_get_http_headers(r) : nullptr;
+            valeur.http = entetes != nullptr;
+            if (entetes) {
+                valeur.contentDisposition =
+                    texte(soup_message_headers_get_one(entetes, "Content-Disposition"));
+            }
+            valeur.typeAffichable = webkit_response_policy_decision_is_mime_type_supported(reponse);
+            appliquer(decision, c->deciderReponse(*vue, valeur));
+            return TRUE;
+        }
+    }
+    // Deny what isn't known.
+    webkit_policy_decision_ignore(decision);
+    return TRUE;
+}
+
+void VueWebGtk::surChargement(WebKitWebView*, WebKitLoadEvent evenement, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    if (evenement == WEBKIT_LOAD_STARTED) vue->echec_ = false;
+    if (evenement != WEBKIT_LOAD_FINISHED || vue->echec_) return;
+    if (const auto c = vue->controleur_.lock()) c->chargementTermine(*vue);
+}
+
+gboolean VueWebGtk::surEchec(WebKitWebView*, WebKitLoadEvent, char*, GError* erreur,
+                             gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    vue->echec_ = true;
+    if (const auto c = vue->controleur_.lock()) c->traiterEchec(erreurDepuisGError(erreur), *vue);
+    // No engine error page: the application explains failures itself.
+    return TRUE;
+}
+
+gboolean VueWebGtk::surEchecTls(WebKitWebView*, char*, GTlsCertificate*,
+                                GTlsCertificateFlags defauts, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    vue->echec_ = true;
+    if (const auto c = vue->controleur_.lock()) {
+        c->traiterEchec(erreurTls(defauts, "Le certificat du serveur n'est pas valide."), *vue);
+    }
+    return TRUE;
+}
+
+GtkWidget* VueWebGtk::surCreation(WebKitWebView*, WebKitNavigationAction* action,
+                                  gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    const auto c = vue->controleur_.lock();
+    if (!c) return nullptr;
+    WebKitURIRequest* requete = webkit_navigation_action_get_request(action);
+    const auto url = texte(requete ? webkit_uri_request_get_uri(requete) : nullptr);
+    const ConfigurationGtk configuration(vue->webView());
+    const auto nouvelle = c->creerVueWebDemandee(*vue, url, configuration);
+    auto* gtkVue = dynamic_cast<VueWebGtk*>(nouvelle.get());
+    if (!gtkVue) return nullptr;
+    // WebKit only borrows the view: the new window holds it.
+    return gtkVue->widget();
+}
+
+void VueWebGtk::surPret(WebKitWebView*, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    if (vue->pretAAfficher) {
+        auto rappel = vue->pretAAfficher;
+        rappel();
+    }
+}
+
+void VueWebGtk::surFermeture(WebKitWebView*, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    if (const auto c = vue->controleur_.lock()) c->fermetureDemandee(*vue);
+}
+
+gboolean VueWebGtk::surDialogue(WebKitWebView*, WebKitScriptDialog* dialogue, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    const auto c = vue->controleur_.lock();
+    if (!c) return FALSE;
+    const std::string message = webkit_script_dialog_get_message(dialogue);
+    // Answered later, once the native alert closes.
+    webkit_script_dialog_ref(dialogue);
+    auto terminer = [dialogue] {
+        webkit_script_dialog_close(dialogue);
+        webkit_script_dialog_unref(dialogue);
+    };
+    switch (webkit_script_dialog_get_dialog_type(dialogue)) {
+        case WEBKIT_SCRIPT_DIALOG_ALERT:
+            c->alerteScript(message, terminer);
+            return TRUE;
+        case WEBKIT_SCRIPT_DIALOG_CONFIRM:
+            c->confirmationScript(message, [dialogue, terminer](bool oui) {
+                webkit_script_dialog_confirm_set_confirmed(dialogue, oui);
+                terminer();
+            });
+            return TRUE;
+        case WEBKIT_SCRIPT_DIALOG_PROMPT: {
+            const auto defaut = texte(webkit_script_dialog_prompt_get_default_text(dialogue));
+            c->saisieScript(
+                message, defaut, [dialogue, terminer](std::optional<std::string> reponse) {
+                    // Left unset, the page's prompt() gives null.
+                    if (reponse) {
+                        webkit_script_dialog_prompt_set_text(dialogue, reponse->c_str());
+                    }
+                    terminer();
+                });
+            return TRUE;
+        }
+        case WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM:
+            // Leaving a page is never held up by the page.
+            webkit_script_dialog_confirm_set_confirmed(dialogue, TRUE);
+            terminer();
+            return TRUE;
+    }
+    terminer();
+    return TRUE;
+}
+
+gboolean VueWebGtk::surChoixFichiers(WebKitWebView*, WebKitFileChooserRequest* demande,
+                                     gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    const auto c = vue->controleur_.lock();
+    if (!c) return FALSE;
+    g_object_ref(demande);
+    c->choixFichiers(webkit_file_chooser_request_get_select_multiple(demande),
+                     [demande](FichiersChoisis choisis) {
+                         if (choisis) {
+                             std::vector<const char*> chemins;
+                             for (const auto& chemin : *choisis) chemins.push_back(chemin.c_str());
+                             chemins.push_back(nullptr);
+                             webkit_file_chooser_request_select_files(demande, chemins.data());
+                         } else {
+                             webkit_file_chooser_request_cancel(demande);
+                         }
+                         g_object_unref(demande);
+                     });
+    return TRUE;
+}
+
+void VueWebGtk::surTitre(GObject*, GParamSpec*, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    if (const auto c = vue->controleur_.lock()) c->titreChange(*vue);
+}
+
+void VueWebGtk::surProgression(GObject*, GParamSpec*, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    if (const auto c = vue->controleur_.lock()) c->progressionChange(*vue);
+}
+
+}  // namespace brindex::gtk

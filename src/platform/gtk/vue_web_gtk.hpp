@@ -1,0 +1,74 @@
+#pragma once
+
+#include <webkit/webkit.h>
+
+#include <functional>
+#include <memory>
+
+#include "container/controleur.hpp"
+#include "container/ports.hpp"
+#include "outils_gtk.hpp"
+
+namespace brindex::gtk {
+
+// The opener of a popup, as WebKit hands it over when a page asks for a new window.
+class ConfigurationGtk : public ConfigurationMoteur {
+  public:
+    explicit ConfigurationGtk(WebKitWebView* vue) : ouvreur(vue) {}
+    WebKitWebView* ouvreur;
+};
+
+// A WebKitWebView whose engine callbacks become the controller's plain values.
+class VueWebGtk : public VueWeb {
+  public:
+    // `ouvreur`: the web view whose page asked for this one, which shares its session.
+    VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
+              std::weak_ptr<Controleur> controleur);
+    ~VueWebGtk() override;
+    VueWebGtk(const VueWebGtk&) = delete;
+    VueWebGtk& operator=(const VueWebGtk&) = delete;
+
+    WebKitWebView* webView() const { return vue_.get(); }
+    GtkWidget* widget() const { return GTK_WIDGET(vue_.get()); }
+
+    void charger(const std::string& url, double delaiSecondes) override;
+    void arreter() override;
+    void recharger() override;
+    void rechargerOrigine() override;
+    void reculer() override;
+    void avancer() override;
+    double zoom() const override;
+    void definirZoom(double zoom) override;
+    std::optional<std::string> url() const override;
+    std::optional<std::string> titre() const override;
+    double progression() const override;
+    void detacher() override;
+
+    // The page is ready to be shown in its window (popups only).
+    std::function<void()> pretAAfficher;
+
+  private:
+    void connecter();
+
+    static gboolean surPolitique(WebKitWebView*, WebKitPolicyDecision*, WebKitPolicyDecisionType,
+                                 gpointer);
+    static void surChargement(WebKitWebView*, WebKitLoadEvent, gpointer);
+    static gboolean surEchec(WebKitWebView*, WebKitLoadEvent, char*, GError*, gpointer);
+    static gboolean surEchecTls(WebKitWebView*, char*, GTlsCertificate*, GTlsCertificateFlags,
+                                gpointer);
+    static GtkWidget* surCreation(WebKitWebView*, WebKitNavigationAction*, gpointer);
+    static void surPret(WebKitWebView*, gpointer);
+    static void surFermeture(WebKitWebView*, gpointer);
+    static gboolean surDialogue(WebKitWebView*, WebKitScriptDialog*, gpointer);
+    static gboolean surChoixFichiers(WebKitWebView*, WebKitFileChooserRequest*, gpointer);
+    static void surTitre(GObject*, GParamSpec*, gpointer);
+    static void surProgression(GObject*, GParamSpec*, gpointer);
+
+    Ref<WebKitWebView> vue_;
+    std::weak_ptr<Controleur> controleur_;
+    // WebKit reports a failed load as finished too; only a clean finish counts.
+    bool echec_ = false;
+    bool attachee_ = true;
+};
+
+}  // namespace brindex::gtk

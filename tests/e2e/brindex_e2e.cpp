@@ -1,0 +1,329 @@
+// End-to-end scenarios of the Linux application: the real GTK windows and WebKitGTK views,
+// against the local test space, in a throw-away profile (see scenario.py).
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+
+#include "pilote.hpp"
+#include "reglages_gtk.hpp"
+
+namespace brindex::e2e {
+namespace {
+
+namespace fs = std::filesystem;
+using gtk::ApplicationGtk;
+
+// Every text the configuration view's status line took since launch.
+std::vector<std::string> messagesVus;
+
+void suivreMessages(ApplicationGtk& app) {
+    GtkWidget* message = chercherPartout(app, "messageErreur");
+    if (!message) return;
+    messagesVus.push_back(texte(message));
+    g_signal_connect(message, "notify::label",
+                     G_CALLBACK(+[](GObject* label, GParamSpec*, gpointer) {
+                         messagesVus.push_back(gtk_label_get_text(GTK_LABEL(label)));
+                     }),
+                     nullptr);
+}
+
+std::string espace() {
+    return variable("BRINDEX_E2E_ESPACE");
+}
+
+void stockerAdresse(const std::string& url) {
+    gtk::ReglagesGtk::parDefaut().ecrire("espaceURL", url);
+}
+
+GtkWidget* exiger(ApplicationGtk& app, const std::string& nom, double secondes = 20) {
+    GtkWidget* widget = nullptr;
+    attendre([&] { return (widget = chercherPartout(app, nom)) != nullptr; }, secondes,
+             "widget " + nom);
+    return widget;
+}
+
+void attendreJournal(const std::string& morceau, double secondes = 30) {
+    attendre([&] { return contient(journal(), morceau); }, secondes, "journal : " + morceau);
+}
+
+// The space shown and its first page loaded.
+WebKitWebView* attendreEspace(ApplicationGtk& app, const std::string& url) {
+    WebKitWebView* vue = nullptr;
+    attendre([&] { return (vue = vueWebPrincipale(app)) != nullptr; }, 30, "l'espace");
+    attendreJournal("navigation OK " + url);
+    return vue;
+}
+
+bool requeteVue(const std::string& chemin, const std::string& morceau) {
+    for (const auto& ligne : requetes()) {
+        if (contient(ligne, "\"" + chemin + "\"") && contient(ligne, morceau)) return true;
+    }
+    return false;
+}
+
+// ---- Scenarios ----
+
+void premierDemarrage(ApplicationGtk& app) {
+    GtkWidget* champ = exiger(app, "champ");
+    GtkWidget* message = exiger(app, "messageErreur");
+    GtkWidget* roue = exiger(app, "roue");
+    verifier(texte(champ).empty(), "le champ devrait être vide");
+    verifier(gtk_widget_has_focus(gtk_widget_get_first_child(champ)) || gtk_widget_has_focus(champ),
+             "le champ devrait avoir le focus");
+    // The built-in addresses are tried, none answers, and nothing is shown.
+    attendre([&] { return texte(message).empty() && !gtk_spinner_get_spinning(GTK_SPINNER(roue)); },
+             40, "fin de la recherche des adresses par défaut");
+    verifier(messagesVus.size() >= 2 && messagesVus[0] == "Recherche de votre espace…" &&
+                 messagesVus.back().empty(),
+             "la recherche s'est montrée puis effacée");
+    verifier(texte(champ).empty(), "aucune adresse par défaut ne répond");
+    verifier(!gtk_widget_get_visible(exiger(app, "boutonForcer", 1)) ||
+                 !chercherPartout(app, "boutonForcer"),
+             "« Enregistrer quand même » reste caché");
+    capturer("configuration");
+
+    // An address that is not one.
+    gtk_editable_set_text(GTK_EDITABLE(champ), "pas une adresse");
+    cliquer(exiger(app, "bouton"));
+    verifier(contient(texte(message), "Adresse invalide — exemple :"), texte(message));
+    capturer("configuration-invalide");
+
+    gtk_editable_set_text(GTK_EDITABLE(champ), espace().c_str());
+    verifier(texte(message).empty(), "taper efface le message");
+    cliquer(exiger(app, "bouton"));
+    verifier(!gtk_widget_get_sensitive(champ), "le champ est désactivé pendant la vérification");
+    verifier(texte(message) == "Vérification de l'adresse…", texte(message));
+
+    WebKitWebView* vue = attendreEspace(app, espace());
+    verifier(requeteVue("/health", "\"Brindex-Desktop/1.0.0\""),
+             "/health demandé avec l'agent « Brindex-Desktop/1.0.0 »");
+    verifier(gtk::ReglagesGtk::parDefaut().lire("espaceURL") == espace(), "adresse enregistrée");
+    verifier(requeteVue("/", "Brindex-Desktop/1.0.0\""),
+             "la page demandée avec un agent finissant par Brindex-Desktop/1.0.0");
+    verifier(contient(journal(), "demarrage v1.0.0"), "ligne de démarrage");
+    const std::string titre = script(vue, "document.title");
+    attendre(
+        [&] {
+            return titre == gtk_window_get_title(app.plateforme()->fenetrePrincipale()->fenetre());
+        },
+        10, "titre de la fenêtre = titre de la page");
+    const std::string agent = script(vue, "navigator.userAgent");
+    verifier(agent.size() > 21 && agent.ends_with("Brindex-Desktop/1.0.0"), agent);
+    capturer("espace");
+}
+
+void injoignable(ApplicationGtk& app) {
+    GtkWidget* explication = exiger(app, "explication");
+    verifier(contient(texte(explication), "Le serveur de votre espace ne répond pas"),
+             texte(explication));
+    verifier(contient(journal(), "navigation ECHEC NSURLErrorDomain/-1004"), journal());
+    capturer("erreur");
+    const std::string url = gtk::ReglagesGtk::parDefaut().lire("espaceURL").value_or("");
+    const int port = std::stoi(url.substr(url.rfind(':') + 1));
+    Serveur serveur(port);
+    cliquer(exiger(app, "reessayer"));
+    attendreEspace(app, url);
+}
+
+void lienExterne(ApplicationGtk& app) {
+    WebKitWebView* vue = attendreEspace(app, espace());
+    script(vue, "document.getElementById('lien-externe').click(); 'ok'");
+    attendre(
+        [] {
+            for (const auto& o : ouverts()) {
+                if (o == "https://www.brindex.example/") return true;
+            }
+            return false;
+        },
+        20, "le lien externe remis au navigateur par défaut");
+    script(vue, "document.getElementById('lien-courriel').click(); 'ok'");
+    attendre(
+        [] {
+            for (const auto& o : ouverts()) {
+                if (o.rfind("mailto:", 0) == 0) return true;
+            }
+            return false;
+        },
+        20, "le lien mailto remis à la messagerie");
+    patienter(0.5);
+    verifier(webkit_web_view_get_uri(vue) == espace(), "la page reste");
+    verifier(!contient(journal(), "REFUSEE"), "rien de refusé");
+}
+
+void redirectionScript(ApplicationGtk& app) {
+    WebKitWebView* vue = attendreEspace(app, espace());
+    const std::string page = espace() + "redirection";
+    script(vue, "location.href = '/redirection'; 'ok'");
+    attendreJournal("navigation OK " + page);
+    attendreJournal("navigation externe automatique REFUSEE vers www.brindex.example");
+    patienter(0.5);
+    verifier(webkit_web_view_get_uri(vue) == page, "la page reste");
+    for (const auto& o : ouverts()) {
+        verifier(!contient(o, "brindex.example"), "rien n'est ouvert dans le navigateur");
+    }
+}
+
+void popup(ApplicationGtk& app) {
+    WebKitWebView* vue = attendreEspace(app, espace());
+    script(vue, "document.getElementById('ouvrir-fenetre').click(); 'ok'");
+    attendre([&] { return fenetresVisibles(app).size() == 2; }, 20, "fenêtre secondaire");
+    verifier(app.controleur()->fenetresSecondaires().size() == 1, "une fenêtre secondaire");
+    GtkWindow* secondaire = nullptr;
+    for (GtkWindow* f : fenetresVisibles(app)) {
+        if (f != app.plateforme()->fenetrePrincipale()->fenetre()) secondaire = f;
+    }
+    verifier(g_strcmp0(gtk_window_get_title(secondaire), "Brindex") == 0, "titre « Brindex »");
+    auto* vueSecondaire = WEBKIT_WEB_VIEW(gtk_window_get_child(secondaire));
+    bool liberee = false;
+    g_object_weak_ref(
+        G_OBJECT(vueSecondaire), [](gpointer d, GObject*) { *static_cast<bool*>(d) = true; },
+        &liberee);
+    attendreJournal("navigation OK " + espace() + "fenetre");
+    capturer("fenetre-secondaire");
+    script(vueSecondaire, "setTimeout(() => window.close(), 0); 'ok'");
+    attendre([&] { return fenetresVisibles(app).size() == 1; }, 20, "fermeture demandée");
+    verifier(app.controleur()->fenetresSecondaires().empty(), "liste vidée");
+    verifier(app.controleur()->originesWebView().size() == 1, "seule la vue principale reste");
+    attendre([&] { return liberee; }, 10, "la vue de la fenêtre fermée est libérée");
+}
+
+void telechargement(ApplicationGtk& app) {
+    const fs::path dossier = variable("BRINDEX_E2E_TELECHARGEMENTS");
+    std::ofstream(dossier / "rapport.pdf") << "déjà là";
+    WebKitWebView* vue = attendreEspace(app, espace());
+    script(vue, "document.getElementById('piece-jointe').click(); 'ok'");
+    const fs::path attendu = dossier / "rapport (2).pdf";
+    attendreJournal("rapport (2).pdf");
+    verifier(fs::exists(attendu), "« rapport (2).pdf » enregistré");
+    verifier(lireFichier((dossier / "rapport.pdf").string()) == "déjà là", "l'existant intact");
+    verifier(fs::file_size(attendu) > 0, "contenu reçu");
+    attendre(
+        [&] {
+            // Handed over as a path or as a file URI.
+            for (const auto& o : ouverts()) {
+                if (o == dossier.string() || o.rfind("file://", 0) == 0) return true;
+            }
+            return false;
+        },
+        20, "le dossier montré dans le gestionnaire de fichiers");
+    verifier(webkit_web_view_get_uri(vue) == espace(), "la page reste");
+}
+
+// Opens a page dialog from a script and gives the alert window once it shows.
+GtkWidget* ouvrirDialogue(ApplicationGtk& app, WebKitWebView* vue, const std::string& appel) {
+    script(vue, "window.r = undefined; setTimeout(() => { window.r = " + appel + "; }, 0); 'ok'");
+    GtkWidget* bouton = exiger(app, "bouton-0");
+    GtkWidget* fenetre = GTK_WIDGET(gtk_widget_get_root(bouton));
+    verifier(g_strcmp0(gtk_window_get_title(GTK_WINDOW(fenetre)), "Brindex") == 0, "titre Brindex");
+    verifier(texte(bouton) == "OK", "premier bouton OK");
+    return fenetre;
+}
+
+std::string reponsePage(ApplicationGtk& app, WebKitWebView* vue) {
+    attendre([&] { return !chercherPartout(app, "bouton-0"); }, 10, "fermeture du dialogue");
+    std::string r;
+    attendre(
+        [&] { return (r = script(vue, "JSON.stringify(window.r) ?? 'undefined'")) != "undefined"; },
+        10, "réponse reçue par la page");
+    return r;
+}
+
+void dialogues(ApplicationGtk& app) {
+    WebKitWebView* vue = attendreEspace(app, espace());
+
+    GtkWidget* f = ouvrirDialogue(app, vue, "(alert('Bonjour'), 'vu')");
+    verifier(texte(chercher(f, "texte-alerte")) == "Bonjour", "message de l'alerte");
+    verifier(!chercher(f, "bouton-1"), "une alerte n'a qu'un bouton");
+    capturer("alerte");
+    cliquer(chercher(f, "bouton-0"));
+    verifier(reponsePage(app, vue) == "\"vu\"", "alerte fermée");
+
+    f = ouvrirDialogue(app, vue, "confirm('Continuer ?')");
+    verifier(texte(chercher(f, "bouton-1")) == "Annuler", "second bouton Annuler");
+    cliquer(chercher(f, "bouton-1"));
+    verifier(reponsePage(app, vue) == "false", "confirm → false");
+    f = ouvrirDialogue(app, vue, "confirm('Continuer ?')");
+    cliquer(chercher(f, "bouton-0"));
+    verifier(reponsePage(app, vue) == "true", "confirm → true");
+
+    f = ouvrirDialogue(app, vue, "prompt('Votre nom ?', 'Anne')");
+    GtkWidget* champ = chercher(f, "champ-dialogue");
+    verifier(texte(champ) == "Anne", "texte par défaut");
+    gtk_editable_set_text(GTK_EDITABLE(champ), "Zoé");
+    cliquer(chercher(f, "bouton-0"));
+    verifier(reponsePage(app, vue) == "\"Zoé\"", "prompt → texte saisi");
+    f = ouvrirDialogue(app, vue, "prompt('Votre nom ?')");
+    cliquer(chercher(f, "bouton-0"));
+    verifier(reponsePage(app, vue) == "\"\"", "prompt vide → texte vide");
+    f = ouvrirDialogue(app, vue, "prompt('Votre nom ?', 'Anne')");
+    cliquer(chercher(f, "bouton-1"));
+    verifier(reponsePage(app, vue) == "null", "prompt annulé → null");
+}
+
+struct Scenario {
+    std::function<void()> avant;
+    std::function<void(ApplicationGtk&)> deroulement;
+};
+
+const std::map<std::string, Scenario>& scenarios() {
+    static const std::map<std::string, Scenario> tous{
+        {"premier-demarrage", {nullptr, premierDemarrage}},
+        {"injoignable",
+         {[] { stockerAdresse("http://127.0.0.1:" + std::to_string(portLibre()) + "/"); },
+          injoignable}},
+        {"lien-externe", {[] { stockerAdresse(espace()); }, lienExterne}},
+        {"redirection-script", {[] { stockerAdresse(espace()); }, redirectionScript}},
+        {"popup", {[] { stockerAdresse(espace()); }, popup}},
+        {"telechargement", {[] { stockerAdresse(espace()); }, telechargement}},
+        {"dialogues", {[] { stockerAdresse(espace()); }, dialogues}},
+    };
+    return tous;
+}
+
+}  // namespace
+}  // namespace brindex::e2e
+
+int main(int argc, char** argv) {
+    using namespace brindex::e2e;
+    if (argc != 2 || !scenarios().contains(argv[1])) {
+        std::cerr << "usage: brindex_e2e <scenario>\n";
+        for (const auto& [nom, s] : scenarios()) std::cerr << "  " << nom << "\n";
+        return 2;
+    }
+    const Scenario& scenario = scenarios().at(argv[1]);
+    int statut = 0;
+    try {
+        if (scenario.avant) scenario.avant();
+    } catch (const Echec& e) {
+        std::cerr << "ÉCHEC : " << e.what() << "\n";
+        return 1;
+    }
+    brindex::gtk::ApplicationGtk application;
+    struct Contexte {
+        brindex::gtk::ApplicationGtk* application;
+        const Scenario* scenario;
+        int* statut;
+    } contexte{&application, &scenario, &statut};
+    // The scenario runs once the launch is over, from the main loop.
+    application.apresLancement = [&contexte] {
+        suivreMessages(*contexte.application);
+        g_idle_add_once(
+            [](gpointer d) {
+                const auto* c = static_cast<Contexte*>(d);
+                try {
+                    c->scenario->deroulement(*c->application);
+                } catch (const std::exception& e) {
+                    std::cerr << "ÉCHEC : " << e.what() << "\n";
+                    *c->statut = 1;
+                }
+                g_application_quit(G_APPLICATION(c->application->application()));
+            },
+            &contexte);
+    };
+    char* arguments[] = {argv[0], nullptr};
+    application.executer(1, arguments);
+    if (statut == 0) std::cout << "scénario réussi : " << argv[1] << "\n";
+    return statut;
+}

@@ -1,0 +1,108 @@
+#!/usr/bin/env python3
+"""Runs one end-to-end scenario of the Linux application in a throw-away profile.
+
+The profile has its own HOME and XDG folders, a Downloads folder, and default handlers for
+web, mail and folder URIs that only record what they were given (so no browser starts). The
+test space is started on a free port; the scenario binary then runs under Xvfb with a private
+session bus, and finds everything it needs in BRINDEX_E2E_* variables.
+"""
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+
+ICI = os.path.dirname(os.path.abspath(__file__))
+RACINE = os.path.dirname(os.path.dirname(ICI))
+SERVEUR = os.path.join(RACINE, "scripts", "espace_demo.py")
+
+
+def preparer_profil(profil):
+    dossiers = {
+        "HOME": os.path.join(profil, "maison"),
+        "XDG_CONFIG_HOME": os.path.join(profil, "config"),
+        "XDG_DATA_HOME": os.path.join(profil, "donnees"),
+        "XDG_STATE_HOME": os.path.join(profil, "etat"),
+        "XDG_CACHE_HOME": os.path.join(profil, "cache"),
+        "XDG_RUNTIME_DIR": os.path.join(profil, "execution"),
+    }
+    for chemin in dossiers.values():
+        os.makedirs(chemin, mode=0o700, exist_ok=True)
+    telechargements = os.path.join(dossiers["HOME"], "Téléchargements")
+    os.makedirs(telechargements)
+    with open(os.path.join(dossiers["XDG_CONFIG_HOME"], "user-dirs.dirs"), "w") as f:
+        f.write('XDG_DOWNLOAD_DIR="%s"\n' % telechargements)
+
+    # Default handlers that record the URI instead of opening it.
+    ouverts = os.path.join(profil, "ouverts.txt")
+    enregistreur = os.path.join(profil, "enregistrer-uri")
+    with open(enregistreur, "w") as f:
+        f.write('#!/bin/sh\nprintf "%%s\\n" "$@" >> "%s"\n' % ouverts)
+    os.chmod(enregistreur, 0o755)
+    applications = os.path.join(dossiers["XDG_DATA_HOME"], "applications")
+    os.makedirs(applications)
+    types = ["x-scheme-handler/http", "x-scheme-handler/https", "x-scheme-handler/mailto",
+             "x-scheme-handler/tel", "inode/directory", "application/pdf"]
+    with open(os.path.join(applications, "enregistreur.desktop"), "w") as f:
+        f.write("[Desktop Entry]\nType=Application\nName=Enregistreur\n"
+                "Exec=%s %%u\nMimeType=%s;\nNoDisplay=true\n" % (enregistreur, ";".join(types)))
+    with open(os.path.join(dossiers["XDG_CONFIG_HOME"], "mimeapps.list"), "w") as f:
+        f.write("[Default Applications]\n")
+        for t in types:
+            f.write("%s=enregistreur.desktop\n" % t)
+    return dossiers, telechargements, ouverts
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit("usage: scenario.py <brindex_e2e binary> <scenario>")
+    binaire, scenario = sys.argv[1], sys.argv[2]
+    profil = tempfile.mkdtemp(prefix="brindex-e2e-")
+    serveur = None
+    try:
+        dossiers, telechargements, ouverts = preparer_profil(profil)
+        journal_serveur = os.path.join(profil, "requetes.jsonl")
+        serveur = subprocess.Popen(
+            [sys.executable, SERVEUR, "--port", "0", "--journal", journal_serveur, "--lent", "3"],
+            stdout=subprocess.PIPE, text=True)
+        premiere = serveur.stdout.readline().split()
+        if len(premiere) != 2 or premiere[0] != "PORT":
+            sys.exit("the test space did not start")
+        env = dict(os.environ)
+        env.update(dossiers)
+        env.pop("DISPLAY", None)
+        env.pop("WAYLAND_DISPLAY", None)
+        env.pop("DBUS_SESSION_BUS_ADDRESS", None)
+        env.update({
+            "BRINDEX_E2E_ESPACE": "http://127.0.0.1:%s/" % premiere[1],
+            "BRINDEX_E2E_PROFIL": profil,
+            "BRINDEX_E2E_REQUETES": journal_serveur,
+            "BRINDEX_E2E_OUVERTS": ouverts,
+            "BRINDEX_E2E_TELECHARGEMENTS": telechargements,
+            "BRINDEX_E2E_SERVEUR": SERVEUR,
+            "GSK_RENDERER": "cairo",
+            "WEBKIT_DISABLE_COMPOSITING_MODE": "1",
+            "GTK_A11Y": "none",
+            "NO_AT_BRIDGE": "1",
+            "LANG": "C.UTF-8",
+        })
+        # Xvfb first, so that what the session bus starts (portals) finds the display.
+        commande = ["xvfb-run", "-a", "-s", "-screen 0 1400x1000x24", "dbus-run-session", "--",
+                    binaire, scenario]
+        debut = time.time()
+        resultat = subprocess.run(commande, env=env, timeout=180)
+        print("scenario %s: %.1f s" % (scenario, time.time() - debut))
+        sys.exit(resultat.returncode)
+    finally:
+        if serveur:
+            serveur.terminate()
+            serveur.wait()
+        if os.environ.get("BRINDEX_E2E_GARDER"):
+            print("profile kept in", profil)
+        else:
+            shutil.rmtree(profil, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    main()
