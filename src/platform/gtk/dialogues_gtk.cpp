@@ -48,14 +48,13 @@ gboolean surFermeture(GtkWindow* fenetre, gpointer) {
     return FALSE;
 }
 
-GtkWidget* etiquette(const std::string& texte, const char* classe, bool selectionnable) {
+GtkWidget* etiquette(const std::string& texte, const char* classe) {
     GtkWidget* label = gtk_label_new(texte.c_str());
     if (classe) gtk_widget_add_css_class(label, classe);
     gtk_label_set_wrap(GTK_LABEL(label), TRUE);
     gtk_label_set_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
     gtk_label_set_max_width_chars(GTK_LABEL(label), 48);
     gtk_label_set_xalign(GTK_LABEL(label), 0.0f);
-    gtk_label_set_selectable(GTK_LABEL(label), selectionnable);
     return label;
 }
 
@@ -91,9 +90,9 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
     gtk_widget_set_margin_start(colonne, 20);
     gtk_widget_set_margin_end(colonne, 20);
     gtk_widget_set_size_request(colonne, 340, -1);
-    gtk_box_append(GTK_BOX(colonne), etiquette(alerte.message, "alerte-titre", false));
+    gtk_box_append(GTK_BOX(colonne), etiquette(alerte.message, "alerte-titre"));
     if (!alerte.informatif.empty()) {
-        GtkWidget* texte = etiquette(alerte.informatif, nullptr, true);
+        GtkWidget* texte = etiquette(alerte.informatif, nullptr);
         gtk_widget_set_name(texte, "texte-alerte");
         gtk_box_append(GTK_BOX(colonne), texte);
     }

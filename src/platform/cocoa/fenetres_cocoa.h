@@ -1,0 +1,66 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <functional>
+#include <memory>
+
+#include "container/ports.hpp"
+
+// Tells its owner that the window is about to close. NSWindow holds its delegate weakly: the
+// C++ window object owns this one.
+@interface BrindexDelegueFenetre : NSObject <NSWindowDelegate>
+@property(nonatomic) std::function<void()> vaFermer;
+@end
+
+namespace brindex::cocoa {
+
+// What every window of the application does, over an NSWindow.
+template <typename Interface>
+class FenetreCocoa : public Interface {
+   public:
+    FenetreCocoa(const ParametresFenetre &parametres, std::function<void()> vaFermer);
+    ~FenetreCocoa() override;
+
+    NSWindow *fenetre() const { return fenetre_; }
+
+    void definirTitre(const std::string &titre) override;
+    bool estCle() const override;
+    void devant() override;
+    void oublierFermeture() override;
+    void fermer() override;
+    void feuille(const Alerte &alerte) override;
+
+   protected:
+    NSWindow *fenetre_;
+    BrindexDelegueFenetre *delegue_;
+};
+
+// The main window: one of three screens as its content view.
+class FenetrePrincipaleCocoa : public FenetreCocoa<FenetrePrincipale> {
+   public:
+    FenetrePrincipaleCocoa(const ParametresFenetre &parametres, std::function<void()> vaFermer);
+
+    void montrerConfiguration(std::shared_ptr<VueConfiguration> vue) override;
+    void montrerEspace(std::shared_ptr<VueWeb> vue) override;
+    void montrerErreur(std::shared_ptr<VueErreur> vue) override;
+    void progression(double valeur, bool visible) override;
+
+   private:
+    NSProgressIndicator *barre_ = nil;
+};
+
+// A window around a popup's web view.
+class FenetreSecondaireCocoa : public FenetreCocoa<Fenetre> {
+   public:
+    FenetreSecondaireCocoa(const ParametresFenetre &parametres, std::shared_ptr<VueWeb> vue,
+                           std::function<void()> vaFermer);
+
+   private:
+    std::shared_ptr<VueWeb> vue_;
+};
+
+// An alert built from the core's description; `champ` receives its text field, if any.
+NSAlert *alerteNative(const Alerte &alerte, NSTextField *__strong *champ = nullptr);
+
+}  // namespace brindex::cocoa

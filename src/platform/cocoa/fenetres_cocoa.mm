@@ -1,0 +1,176 @@
+#import "platform/cocoa/fenetres_cocoa.h"
+
+#import "platform/cocoa/ecrans_cocoa.h"
+#import "platform/cocoa/vue_web_cocoa.h"
+
+#include "platform/cocoa/outils_cocoa.h"
+
+@implementation BrindexDelegueFenetre
+
+- (void)windowWillClose:(NSNotification *)notification {
+    // The callback may release this object's owner: it runs from a copy.
+    if (auto rappel = self.vaFermer) rappel();
+}
+
+@end
+
+namespace brindex::cocoa {
+
+namespace {
+
+constexpr NSWindowStyleMask styleFenetre = NSWindowStyleMaskTitled | NSWindowStyleMaskClosable |
+                                           NSWindowStyleMaskMiniaturizable |
+                                           NSWindowStyleMaskResizable;
+
+}  // namespace
+
+NSAlert *alerteNative(const Alerte &alerte, NSTextField *__strong *champ) {
+    NSAlert *a = [[NSAlert alloc] init];
+    a.messageText = ns(alerte.message);
+    a.informativeText = ns(alerte.informatif);
+    if (alerte.champ) {
+        NSTextField *texte = [[NSTextField alloc]
+            initWithFrame:NSMakeRect(0, 0, alerte.largeurChamp, alerte.hauteurChamp)];
+        texte.stringValue = ns(*alerte.champ);
+        a.accessoryView = texte;
+        if (champ) *champ = texte;
+    }
+    for (const auto &titre : alerte.boutons) [a addButtonWithTitle:ns(titre)];
+    return a;
+}
+
+// ---- Every window ----
+
+template <typename Interface>
+FenetreCocoa<Interface>::FenetreCocoa(const ParametresFenetre &parametres,
+                                      std::function<void()> vaFermer) {
+    fenetre_ = [[NSWindow alloc]
+        initWithContentRect:NSMakeRect(0, 0, parametres.largeur, parametres.hauteur)
+                  styleMask:styleFenetre
+                    backing:NSBackingStoreBuffered
+                      defer:NO];
+    fenetre_.minSize = NSMakeSize(parametres.largeurMin, parametres.hauteurMin);
+    fenetre_.title = ns(parametres.titre);
+    fenetre_.backgroundColor = couleur(Marque::fond);
+    fenetre_.releasedWhenClosed = NO;
+    if (!parametres.nomSauvegarde.empty()) {
+        [fenetre_ setFrameAutosaveName:ns(parametres.nomSauvegarde)];
+    }
+    [fenetre_ center];
+    delegue_ = [[BrindexDelegueFenetre alloc] init];
+    delegue_.vaFermer = std::move(vaFermer);
+    fenetre_.delegate = delegue_;
+}
+
+template <typename Interface>
+FenetreCocoa<Interface>::~FenetreCocoa() {
+    fenetre_.delegate = nil;
+}
+
+template <typename Interface>
+void FenetreCocoa<Interface>::definirTitre(const std::string &titre) {
+    fenetre_.title = ns(titre);
+}
+
+template <typename Interface>
+bool FenetreCocoa<Interface>::estCle() const {
+    return fenetre_.keyWindow;
+}
+
+template <typename Interface>
+void FenetreCocoa<Interface>::devant() {
+    [fenetre_ makeKeyAndOrderFront:nil];
+}
+
+template <typename Interface>
+void FenetreCocoa<Interface>::oublierFermeture() {
+    fenetre_.delegate = nil;
+    delegue_.vaFermer = nullptr;
+}
+
+template <typename Interface>
+void FenetreCocoa<Interface>::fermer() {
+    [fenetre_ close];
+}
+
+template <typename Interface>
+void FenetreCocoa<Interface>::feuille(const Alerte &alerte) {
+    [alerteNative(alerte) beginSheetModalForWindow:fenetre_ completionHandler:nil];
+}
+
+template class FenetreCocoa<FenetrePrincipale>;
+template class FenetreCocoa<Fenetre>;
+
+// ---- The main window ----
+
+FenetrePrincipaleCocoa::FenetrePrincipaleCocoa(const ParametresFenetre &parametres,
+                                               std::function<void()> vaFermer)
+    : FenetreCocoa(parametres, std::move(vaFermer)) {}
+
+void FenetrePrincipaleCocoa::montrerConfiguration(std::shared_ptr<VueConfiguration> vue) {
+    barre_ = nil;
+    BrindexVueConfiguration *ecran = [[BrindexVueConfiguration alloc] initAvecVue:vue];
+    fenetre_.contentView = ecran;
+    vue->attacher(ecran.controles);
+}
+
+void FenetrePrincipaleCocoa::montrerEspace(std::shared_ptr<VueWeb> vue) {
+    auto *cocoa = dynamic_cast<VueWebCocoa *>(vue.get());
+    if (!cocoa) return;
+    NSView *conteneur = [[NSView alloc] initWithFrame:NSZeroRect];
+    conteneur.wantsLayer = YES;
+    conteneur.layer.backgroundColor = couleur(Marque::fond).CGColor;
+    WKWebView *web = cocoa->webView();
+    web.translatesAutoresizingMaskIntoConstraints = NO;
+    [conteneur addSubview:web];
+    barre_ = [[NSProgressIndicator alloc] initWithFrame:NSZeroRect];
+    barre_.style = NSProgressIndicatorStyleBar;
+    barre_.indeterminate = NO;
+    barre_.minValue = 0;
+    barre_.maxValue = 1;
+    barre_.controlSize = NSControlSizeSmall;
+    barre_.translatesAutoresizingMaskIntoConstraints = NO;
+    barre_.hidden = YES;
+    // Added second, so that it lies over the web view's top edge.
+    [conteneur addSubview:barre_];
+    [NSLayoutConstraint activateConstraints:@[
+        [web.topAnchor constraintEqualToAnchor:conteneur.topAnchor],
+        [web.bottomAnchor constraintEqualToAnchor:conteneur.bottomAnchor],
+        [web.leadingAnchor constraintEqualToAnchor:conteneur.leadingAnchor],
+        [web.trailingAnchor constraintEqualToAnchor:conteneur.trailingAnchor],
+        [barre_.topAnchor constraintEqualToAnchor:conteneur.topAnchor],
+        [barre_.leadingAnchor constraintEqualToAnchor:conteneur.leadingAnchor],
+        [barre_.trailingAnchor constraintEqualToAnchor:conteneur.trailingAnchor],
+    ]];
+    fenetre_.contentView = conteneur;
+}
+
+void FenetrePrincipaleCocoa::montrerErreur(std::shared_ptr<VueErreur> vue) {
+    barre_ = nil;
+    fenetre_.contentView = [[BrindexVueErreur alloc] initAvecVue:vue];
+}
+
+void FenetrePrincipaleCocoa::progression(double valeur, bool visible) {
+    if (!barre_) return;
+    barre_.doubleValue = valeur;
+    barre_.hidden = !visible;
+}
+
+// ---- Secondary windows ----
+
+FenetreSecondaireCocoa::FenetreSecondaireCocoa(const ParametresFenetre &parametres,
+                                               std::shared_ptr<VueWeb> vue,
+                                               std::function<void()> vaFermer)
+    : FenetreCocoa(parametres, std::move(vaFermer)), vue_(std::move(vue)) {
+    if (auto *cocoa = dynamic_cast<VueWebCocoa *>(vue_.get())) {
+        WKWebView *web = cocoa->webView();
+        web.translatesAutoresizingMaskIntoConstraints = YES;
+        web.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+        web.frame = fenetre_.contentLayoutRect;
+        [fenetre_.contentView addSubview:web];
+    }
+    [fenetre_ center];
+    [fenetre_ makeKeyAndOrderFront:nil];
+}
+
+}  // namespace brindex::cocoa

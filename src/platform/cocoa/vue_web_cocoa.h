@@ -1,0 +1,70 @@
+#pragma once
+
+#import <WebKit/WebKit.h>
+
+#include <memory>
+
+#include "container/controleur.hpp"
+#include "container/ports.hpp"
+
+namespace brindex::cocoa {
+class VueWebCocoa;
+}
+
+// Saves downloads where the controller says and reports their end. One for the application;
+// WKDownload holds its delegate weakly, so the platform owns it.
+@interface BrindexDelegueTelechargements : NSObject <WKDownloadDelegate>
+- (instancetype)initAvecControleur:(std::weak_ptr<brindex::Controleur>)controleur;
+@end
+
+// The navigation and UI delegate of one web view: turns WebKit's callbacks into the
+// controller's plain values and applies its answers.
+@interface BrindexDelegueWeb : NSObject <WKNavigationDelegate, WKUIDelegate>
+- (instancetype)initAvecVue:(brindex::cocoa::VueWebCocoa *)vue
+                 controleur:(std::weak_ptr<brindex::Controleur>)controleur
+            telechargements:(BrindexDelegueTelechargements *)telechargements;
+@end
+
+namespace brindex::cocoa {
+
+// The configuration WebKit supplies when a page asks for a new window.
+class ConfigurationCocoa : public ConfigurationMoteur {
+   public:
+    explicit ConfigurationCocoa(WKWebViewConfiguration *configuration)
+        : configuration(configuration) {}
+    WKWebViewConfiguration *configuration;
+};
+
+// A WKWebView whose delegate and observations reach the controller.
+class VueWebCocoa : public VueWeb {
+   public:
+    VueWebCocoa(const ParametresVueWeb &parametres, WKWebViewConfiguration *fournie,
+                std::weak_ptr<Controleur> controleur,
+                BrindexDelegueTelechargements *telechargements);
+    ~VueWebCocoa() override;
+    VueWebCocoa(const VueWebCocoa &) = delete;
+    VueWebCocoa &operator=(const VueWebCocoa &) = delete;
+
+    WKWebView *webView() const { return webView_; }
+
+    void charger(const std::string &url, double delaiSecondes) override;
+    void arreter() override;
+    void recharger() override;
+    void rechargerOrigine() override;
+    void reculer() override;
+    void avancer() override;
+    double zoom() const override;
+    void definirZoom(double zoom) override;
+    std::optional<std::string> url() const override;
+    std::optional<std::string> titre() const override;
+    double progression() const override;
+    void detacher() override;
+
+   private:
+    WKWebView *webView_;
+    BrindexDelegueWeb *delegue_;
+    // The title and progress observations of the main web view; they end with detacher().
+    id observateur_ = nil;
+};
+
+}  // namespace brindex::cocoa

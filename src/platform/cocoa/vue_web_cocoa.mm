@@ -1,0 +1,400 @@
+#import "platform/cocoa/vue_web_cocoa.h"
+
+#include <map>
+#include <vector>
+
+#include "platform/cocoa/outils_cocoa.h"
+
+using brindex::cocoa::ns;
+using brindex::cocoa::texteOptionnel;
+
+namespace {
+
+// A running download, known by its WKDownload.
+class TelechargementCocoa : public brindex::Telechargement {
+   public:
+    explicit TelechargementCocoa(WKDownload *telechargement) : telechargement_(telechargement) {}
+    WKDownload *telechargement() const { return telechargement_; }
+
+   private:
+    // Held while the download runs.
+    WKDownload *telechargement_;
+};
+
+brindex::ActionNavigation actionDepuis(WKNavigationAction *action) {
+    brindex::ActionNavigation valeur;
+    valeur.url = texteOptionnel(action.request.URL.absoluteString);
+    valeur.type = action.navigationType == WKNavigationTypeLinkActivated
+                      ? brindex::TypeNavigation::lienActive
+                      : brindex::TypeNavigation::autre;
+    if (!action.targetFrame) {
+        valeur.cible = brindex::CadreCible::aucun;
+    } else if (action.targetFrame.mainFrame) {
+        valeur.cible = brindex::CadreCible::principal;
+    } else {
+        valeur.cible = brindex::CadreCible::sousCadre;
+    }
+    valeur.telechargementDemande = action.shouldPerformDownload;
+    return valeur;
+}
+
+brindex::ErreurChargement erreurDepuis(NSError *erreur) {
+    return {brindex::cocoa::texte(erreur.domain), erreur.code,
+            brindex::cocoa::texte(erreur.localizedDescription)};
+}
+
+}  // namespace
+
+// ---- Downloads ----
+
+@implementation BrindexDelegueTelechargements {
+    std::weak_ptr<brindex::Controleur> _controleur;
+    std::map<const void *, std::shared_ptr<TelechargementCocoa>> _enCours;
+}
+
+- (instancetype)initAvecControleur:(std::weak_ptr<brindex::Controleur>)controleur {
+    self = [super init];
+    if (self) _controleur = std::move(controleur);
+    return self;
+}
+
+- (std::shared_ptr<TelechargementCocoa>)entree:(WKDownload *)download {
+    auto &entree = _enCours[(__bridge const void *)download];
+    if (!entree) entree = std::make_shared<TelechargementCocoa>(download);
+    return entree;
+}
+
+- (void)download:(WKDownload *)download
+    decideDestinationUsingResponse:(NSURLResponse *)response
+                 suggestedFilename:(NSString *)suggestedFilename
+                 completionHandler:(void (^)(NSURL *_Nullable))completionHandler {
+    const auto controleur = _controleur.lock();
+    if (!controleur) {
+        completionHandler(nil);
+        return;
+    }
+    const std::string destination = controleur->destinationTelechargement(
+        [self entree:download], brindex::cocoa::texte(suggestedFilename));
+    completionHandler([NSURL fileURLWithPath:ns(destination)]);
+}
+
+- (void)downloadDidFinish:(WKDownload *)download {
+    const auto entree = [self entree:download];
+    _enCours.erase((__bridge const void *)download);
+    if (const auto controleur = _controleur.lock()) controleur->telechargementTermine(*entree);
+}
+
+- (void)download:(WKDownload *)download
+    didFailWithError:(NSError *)error
+          resumeData:(NSData *)resumeData {
+    const auto entree = [self entree:download];
+    _enCours.erase((__bridge const void *)download);
+    if (const auto controleur = _controleur.lock()) {
+        controleur->telechargementEchoue(*entree,
+                                         brindex::cocoa::texte(error.localizedDescription));
+    }
+}
+
+@end
+
+// ---- Title and progress of the main web view ----
+
+@interface BrindexObservateur : NSObject
+- (instancetype)initAvecVue:(brindex::cocoa::VueWebCocoa *)vue
+                 controleur:(std::weak_ptr<brindex::Controleur>)controleur;
+@end
+
+@implementation BrindexObservateur {
+    brindex::cocoa::VueWebCocoa *_vue;
+    std::weak_ptr<brindex::Controleur> _controleur;
+}
+
+- (instancetype)initAvecVue:(brindex::cocoa::VueWebCocoa *)vue
+                 controleur:(std::weak_ptr<brindex::Controleur>)controleur {
+    self = [super init];
+    if (self) {
+        _vue = vue;
+        _controleur = std::move(controleur);
+    }
+    return self;
+}
+
+- (void)observeValueForKeyPath:(NSString *)keyPath
+                      ofObject:(id)object
+                        change:(NSDictionary<NSKeyValueChangeKey, id> *)change
+                       context:(void *)context {
+    const auto controleur = _controleur.lock();
+    if (!controleur) return;
+    if ([keyPath isEqualToString:@"title"]) {
+        controleur->titreChange(*_vue);
+    } else if ([keyPath isEqualToString:@"estimatedProgress"]) {
+        controleur->progressionChange(*_vue);
+    }
+}
+
+@end
+
+// ---- Navigation and UI ----
+
+@implementation BrindexDelegueWeb {
+    brindex::cocoa::VueWebCocoa *_vue;
+    std::weak_ptr<brindex::Controleur> _controleur;
+    BrindexDelegueTelechargements *_telechargements;
+}
+
+- (instancetype)initAvecVue:(brindex::cocoa::VueWebCocoa *)vue
+                 controleur:(std::weak_ptr<brindex::Controleur>)controleur
+            telechargements:(BrindexDelegueTelechargements *)telechargements {
+    self = [super init];
+    if (self) {
+        _vue = vue;
+        _controleur = std::move(controleur);
+        _telechargements = telechargements;
+    }
+    return self;
+}
+
+// WKNavigationDelegate
+
+- (void)webView:(WKWebView *)webView
+    decidePolicyForNavigationAction:(WKNavigationAction *)navigationAction
+                    decisionHandler:(void (^)(WKNavigationActionPolicy))decisionHandler {
+    const auto controleur = _controleur.lock();
+    if (!controleur) {
+        decisionHandler(WKNavigationActionPolicyCancel);
+        return;
+    }
+    switch (controleur->deciderAction(*_vue, actionDepuis(navigationAction))) {
+        case brindex::Politique::autoriser:
+            decisionHandler(WKNavigationActionPolicyAllow);
+            return;
+        case brindex::Politique::telecharger:
+            decisionHandler(WKNavigationActionPolicyDownload);
+            return;
+        case brindex::Politique::annuler:
+            decisionHandler(WKNavigationActionPolicyCancel);
+            return;
+    }
+    decisionHandler(WKNavigationActionPolicyCancel);
+}
+
+- (void)webView:(WKWebView *)webView
+    decidePolicyForNavigationResponse:(WKNavigationResponse *)navigationResponse
+                      decisionHandler:(void (^)(WKNavigationResponsePolicy))decisionHandler {
+    const auto controleur = _controleur.lock();
+    if (!controleur) {
+        decisionHandler(WKNavigationResponsePolicyCancel);
+        return;
+    }
+    brindex::ReponseNavigation reponse;
+    if ([navigationResponse.response isKindOfClass:NSHTTPURLResponse.class]) {
+        auto *http = (NSHTTPURLResponse *)navigationResponse.response;
+        reponse.http = true;
+        reponse.contentDisposition =
+            texteOptionnel([http valueForHTTPHeaderField:@"Content-Disposition"]);
+    }
+    reponse.typeAffichable = navigationResponse.canShowMIMEType;
+    switch (controleur->deciderReponse(*_vue, reponse)) {
+        case brindex::Politique::autoriser:
+            decisionHandler(WKNavigationResponsePolicyAllow);
+            return;
+        case brindex::Politique::telecharger:
+            decisionHandler(WKNavigationResponsePolicyDownload);
+            return;
+        case brindex::Politique::annuler:
+            decisionHandler(WKNavigationResponsePolicyCancel);
+            return;
+    }
+    decisionHandler(WKNavigationResponsePolicyCancel);
+}
+
+- (void)webView:(WKWebView *)webView didFinishNavigation:(WKNavigation *)navigation {
+    if (const auto controleur = _controleur.lock()) controleur->chargementTermine(*_vue);
+}
+
+- (void)webView:(WKWebView *)webView
+    didFailNavigation:(WKNavigation *)navigation
+            withError:(NSError *)error {
+    if (const auto controleur = _controleur.lock()) {
+        controleur->traiterEchec(erreurDepuis(error), *_vue);
+    }
+}
+
+- (void)webView:(WKWebView *)webView
+    didFailProvisionalNavigation:(WKNavigation *)navigation
+                       withError:(NSError *)error {
+    if (const auto controleur = _controleur.lock()) {
+        controleur->traiterEchec(erreurDepuis(error), *_vue);
+    }
+}
+
+- (void)webView:(WKWebView *)webView
+     navigationAction:(WKNavigationAction *)navigationAction
+    didBecomeDownload:(WKDownload *)download {
+    download.delegate = _telechargements;
+}
+
+- (void)webView:(WKWebView *)webView
+    navigationResponse:(WKNavigationResponse *)navigationResponse
+     didBecomeDownload:(WKDownload *)download {
+    download.delegate = _telechargements;
+}
+
+// WKUIDelegate
+
+- (WKWebView *)webView:(WKWebView *)webView
+    createWebViewWithConfiguration:(WKWebViewConfiguration *)configuration
+               forNavigationAction:(WKNavigationAction *)navigationAction
+                    windowFeatures:(WKWindowFeatures *)windowFeatures {
+    const auto controleur = _controleur.lock();
+    if (!controleur) return nil;
+    const brindex::cocoa::ConfigurationCocoa fournie(configuration);
+    const auto vue = controleur->creerVueWebDemandee(
+        *_vue, texteOptionnel(navigationAction.request.URL.absoluteString), fournie);
+    auto *cocoa = dynamic_cast<brindex::cocoa::VueWebCocoa *>(vue.get());
+    return cocoa ? cocoa->webView() : nil;
+}
+
+- (void)webViewDidClose:(WKWebView *)webView {
+    if (const auto controleur = _controleur.lock()) controleur->fermetureDemandee(*_vue);
+}
+
+- (void)webView:(WKWebView *)webView
+    runJavaScriptAlertPanelWithMessage:(NSString *)message
+                      initiatedByFrame:(WKFrameInfo *)frame
+                     completionHandler:(void (^)(void))completionHandler {
+    const auto controleur = _controleur.lock();
+    if (!controleur) {
+        completionHandler();
+        return;
+    }
+    controleur->alerteScript(brindex::cocoa::texte(message),
+                             [completionHandler] { completionHandler(); });
+}
+
+- (void)webView:(WKWebView *)webView
+    runJavaScriptConfirmPanelWithMessage:(NSString *)message
+                        initiatedByFrame:(WKFrameInfo *)frame
+                       completionHandler:(void (^)(BOOL))completionHandler {
+    const auto controleur = _controleur.lock();
+    if (!controleur) {
+        completionHandler(NO);
+        return;
+    }
+    controleur->confirmationScript(brindex::cocoa::texte(message),
+                                   [completionHandler](bool oui) { completionHandler(oui); });
+}
+
+- (void)webView:(WKWebView *)webView
+    runJavaScriptTextInputPanelWithPrompt:(NSString *)prompt
+                              defaultText:(NSString *)defaultText
+                         initiatedByFrame:(WKFrameInfo *)frame
+                        completionHandler:(void (^)(NSString *_Nullable))completionHandler {
+    const auto controleur = _controleur.lock();
+    if (!controleur) {
+        completionHandler(nil);
+        return;
+    }
+    controleur->saisieScript(brindex::cocoa::texte(prompt), texteOptionnel(defaultText),
+                             [completionHandler](std::optional<std::string> reponse) {
+                                 completionHandler(reponse ? ns(*reponse) : nil);
+                             });
+}
+
+- (void)webView:(WKWebView *)webView
+    runOpenPanelWithParameters:(WKOpenPanelParameters *)parameters
+              initiatedByFrame:(WKFrameInfo *)frame
+             completionHandler:(void (^)(NSArray<NSURL *> *_Nullable))completionHandler {
+    const auto controleur = _controleur.lock();
+    if (!controleur) {
+        completionHandler(nil);
+        return;
+    }
+    controleur->choixFichiers(parameters.allowsMultipleSelection,
+                              [completionHandler](brindex::FichiersChoisis choisis) {
+                                  if (!choisis) {
+                                      completionHandler(nil);
+                                      return;
+                                  }
+                                  NSMutableArray<NSURL *> *urls = [NSMutableArray array];
+                                  for (const auto &chemin : *choisis) {
+                                      [urls addObject:[NSURL fileURLWithPath:ns(chemin)]];
+                                  }
+                                  completionHandler(urls);
+                              });
+}
+
+@end
+
+// ---- The web view ----
+
+namespace brindex::cocoa {
+
+VueWebCocoa::VueWebCocoa(const ParametresVueWeb &parametres, WKWebViewConfiguration *fournie,
+                         std::weak_ptr<Controleur> controleur,
+                         BrindexDelegueTelechargements *telechargements) {
+    WKWebViewConfiguration *configuration = fournie;
+    if (!configuration) {
+        configuration = [[WKWebViewConfiguration alloc] init];
+        configuration.applicationNameForUserAgent = ns(parametres.agentSuffixe);
+        // The default store keeps cookies and site data across launches.
+        configuration.websiteDataStore = WKWebsiteDataStore.defaultDataStore;
+    }
+    webView_ = [[WKWebView alloc] initWithFrame:NSZeroRect configuration:configuration];
+    delegue_ = [[BrindexDelegueWeb alloc] initAvecVue:this
+                                           controleur:controleur
+                                      telechargements:telechargements];
+    webView_.navigationDelegate = delegue_;
+    webView_.UIDelegate = delegue_;
+    webView_.allowsBackForwardNavigationGestures = parametres.gestesHistorique;
+    webView_.allowsMagnification = parametres.grossissement;
+    webView_.underPageBackgroundColor = couleur(Marque::fond);
+    if (parametres.principale) {
+        // New values only: nothing is reported for the initial ones.
+        observateur_ = [[BrindexObservateur alloc] initAvecVue:this controleur:controleur];
+        [webView_ addObserver:observateur_
+                   forKeyPath:@"title"
+                      options:NSKeyValueObservingOptionNew
+                      context:nullptr];
+        [webView_ addObserver:observateur_
+                   forKeyPath:@"estimatedProgress"
+                      options:NSKeyValueObservingOptionNew
+                      context:nullptr];
+    }
+}
+
+VueWebCocoa::~VueWebCocoa() { detacher(); }
+
+void VueWebCocoa::detacher() {
+    // Observations must end before the web view goes away.
+    if (observateur_) {
+        [webView_ removeObserver:observateur_ forKeyPath:@"title"];
+        [webView_ removeObserver:observateur_ forKeyPath:@"estimatedProgress"];
+        observateur_ = nil;
+    }
+    webView_.navigationDelegate = nil;
+    webView_.UIDelegate = nil;
+    [webView_ removeFromSuperview];
+}
+
+void VueWebCocoa::charger(const std::string &url, double delaiSecondes) {
+    NSURL *adresse = [NSURL URLWithString:ns(url)];
+    if (!adresse) return;
+    [webView_ loadRequest:[NSURLRequest requestWithURL:adresse
+                                           cachePolicy:NSURLRequestUseProtocolCachePolicy
+                                       timeoutInterval:delaiSecondes]];
+}
+void VueWebCocoa::arreter() { [webView_ stopLoading]; }
+void VueWebCocoa::recharger() { [webView_ reload]; }
+void VueWebCocoa::rechargerOrigine() { [webView_ reloadFromOrigin]; }
+void VueWebCocoa::reculer() { [webView_ goBack]; }
+void VueWebCocoa::avancer() { [webView_ goForward]; }
+double VueWebCocoa::zoom() const { return webView_.pageZoom; }
+void VueWebCocoa::definirZoom(double zoom) { webView_.pageZoom = zoom; }
+std::optional<std::string> VueWebCocoa::url() const {
+    return texteOptionnel(webView_.URL.absoluteString);
+}
+std::optional<std::string> VueWebCocoa::titre() const { return texteOptionnel(webView_.title); }
+double VueWebCocoa::progression() const { return webView_.estimatedProgress; }
+
+}  // namespace brindex::cocoa
