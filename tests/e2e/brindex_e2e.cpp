@@ -56,6 +56,19 @@ WebKitWebView* attendreEspace(ApplicationGtk& app, const std::string& url) {
     return vue;
 }
 
+// Waits until a URI handed to the default handlers satisfies `condition`.
+void attendreOuvert(const std::function<bool(const std::string&)>& condition,
+                    const std::string& quoi) {
+    attendre(
+        [&] {
+            for (const auto& o : ouverts()) {
+                if (condition(o)) return true;
+            }
+            return false;
+        },
+        20, quoi);
+}
+
 bool requeteVue(const std::string& chemin, const std::string& morceau) {
     for (const auto& ligne : requetes()) {
         if (contient(ligne, "\"" + chemin + "\"") && contient(ligne, morceau)) return true;
@@ -79,9 +92,8 @@ void premierDemarrage(ApplicationGtk& app) {
                  messagesVus.back().empty(),
              "la recherche s'est montrée puis effacée");
     verifier(texte(champ).empty(), "aucune adresse par défaut ne répond");
-    verifier(!gtk_widget_get_visible(exiger(app, "boutonForcer", 1)) ||
-                 !chercherPartout(app, "boutonForcer"),
-             "« Enregistrer quand même » reste caché");
+    verifier(!gtk_widget_get_visible(exiger(app, "boutonForcer")),
+             "« Enregistrer quand même » caché");
     capturer("configuration");
 
     // An address that is not one.
@@ -130,23 +142,11 @@ void injoignable(ApplicationGtk& app) {
 void lienExterne(ApplicationGtk& app) {
     WebKitWebView* vue = attendreEspace(app, espace());
     script(vue, "document.getElementById('lien-externe').click(); 'ok'");
-    attendre(
-        [] {
-            for (const auto& o : ouverts()) {
-                if (o == "https://www.brindex.example/") return true;
-            }
-            return false;
-        },
-        20, "le lien externe remis au navigateur par défaut");
+    attendreOuvert([](const std::string& o) { return o == "https://www.brindex.example/"; },
+                   "le lien externe remis au navigateur par défaut");
     script(vue, "document.getElementById('lien-courriel').click(); 'ok'");
-    attendre(
-        [] {
-            for (const auto& o : ouverts()) {
-                if (o.rfind("mailto:", 0) == 0) return true;
-            }
-            return false;
-        },
-        20, "le lien mailto remis à la messagerie");
+    attendreOuvert([](const std::string& o) { return o.rfind("mailto:", 0) == 0; },
+                   "le lien mailto remis à la messagerie");
     patienter(0.5);
     verifier(webkit_web_view_get_uri(vue) == espace(), "la page reste");
     verifier(!contient(journal(), "REFUSEE"), "rien de refusé");
@@ -199,15 +199,10 @@ void telechargement(ApplicationGtk& app) {
     verifier(fs::exists(attendu), "« rapport (2).pdf » enregistré");
     verifier(lireFichier((dossier / "rapport.pdf").string()) == "déjà là", "l'existant intact");
     verifier(fs::file_size(attendu) > 0, "contenu reçu");
-    attendre(
-        [&] {
-            // Handed over as a path or as a file URI.
-            for (const auto& o : ouverts()) {
-                if (o == dossier.string() || o.rfind("file://", 0) == 0) return true;
-            }
-            return false;
-        },
-        20, "le dossier montré dans le gestionnaire de fichiers");
+    // Handed over as a path or as a file URI.
+    attendreOuvert(
+        [&](const std::string& o) { return o == dossier.string() || o.rfind("file://", 0) == 0; },
+        "le dossier montré dans le gestionnaire de fichiers");
     verifier(webkit_web_view_get_uri(vue) == espace(), "la page reste");
 }
 

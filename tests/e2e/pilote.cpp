@@ -133,29 +133,12 @@ std::string script(WebKitWebView* vue, const std::string& source) {
 void capturer(const std::string& nom) {
     const char* dossier = g_getenv("BRINDEX_E2E_CAPTURES");
     if (!dossier) return;
-    patienter(0.5);
-    const std::string chemin = std::string(dossier) + "/" + nom + ".png";
-    gchar* arguments[] = {const_cast<gchar*>("import"), const_cast<gchar*>("-window"),
-                          const_cast<gchar*>("root"), const_cast<gchar*>(chemin.c_str()), nullptr};
-    GError* erreur = nullptr;
-    GPid pid = 0;
-    // Asynchronous, so that the application keeps drawing while it is captured.
-    if (!g_spawn_async(nullptr, arguments, nullptr,
-                       GSpawnFlags(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD), nullptr,
-                       nullptr, &pid, &erreur)) {
-        std::cerr << "capture impossible : " << erreur->message << "\n";
-        g_clear_error(&erreur);
-        return;
+    patienter(0.5);  // the last frame drawn
+    const std::string commande =
+        std::string("import -window root '") + dossier + "/" + nom + ".png'";
+    if (!g_spawn_command_line_sync(commande.c_str(), nullptr, nullptr, nullptr, nullptr)) {
+        std::cerr << "capture impossible : " << nom << "\n";
     }
-    bool fini = false;
-    g_child_watch_add(
-        pid,
-        [](GPid p, gint, gpointer d) {
-            g_spawn_close_pid(p);
-            *static_cast<bool*>(d) = true;
-        },
-        &fini);
-    attendre([&] { return fini; }, 30, "capture " + nom);
 }
 
 std::string lireFichier(const std::string& chemin) {

@@ -95,6 +95,8 @@ void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
         return;
     }
     Journal::definirChemin(cheminJournalGtk());
+    // The installed icon, named after the application.
+    gtk_window_set_default_icon_name(std::string(Marque::identifiant).c_str());
     soi->plateforme_ = std::make_unique<PlateformeGtk>(soi->application_.get());
     soi->controleur_ = Controleur::creer(*soi->plateforme_);
     soi->plateforme_->definirControleur(soi->controleur_);
