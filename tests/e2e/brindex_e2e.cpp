@@ -134,9 +134,25 @@ void injoignable(ApplicationGtk& app) {
     capturer("erreur");
     const std::string url = gtk::ReglagesGtk::parDefaut().lire("espaceURL").value_or("");
     const int port = std::stoi(url.substr(url.rfind(':') + 1));
-    Serveur serveur(port);
-    cliquer(exiger(app, "reessayer"));
-    attendreEspace(app, url);
+    WebKitWebView* vue = nullptr;
+    {
+        Serveur serveur(port);
+        cliquer(exiger(app, "reessayer"));
+        vue = attendreEspace(app, url);
+    }
+    // Once the space has loaded, a failure leaves the page and says so over the window.
+    script(vue, "location.href = '/equipe'; 'ok'");
+    GtkWidget* feuille = GTK_WIDGET(gtk_widget_get_root(exiger(app, "bouton-0")));
+    verifier(texte(chercher(GTK_WIDGET(feuille), "titre-alerte")) == "Page inaccessible",
+             "titre de la feuille");
+    verifier(contient(texte(chercher(GTK_WIDGET(feuille), "texte-alerte")),
+                      "Le serveur de votre espace ne répond pas"),
+             "explication de la feuille");
+    verifier(gtk_window_get_transient_for(GTK_WINDOW(feuille)) ==
+                 app.plateforme()->fenetrePrincipale()->fenetre(),
+             "attachée à la fenêtre principale");
+    verifier(vueWebPrincipale(app) == vue, "la page reste");
+    cliquer(chercher(GTK_WIDGET(feuille), "bouton-0"));
 }
 
 void lienExterne(ApplicationGtk& app) {
@@ -187,6 +203,15 @@ void popup(ApplicationGtk& app) {
     verifier(app.controleur()->fenetresSecondaires().empty(), "liste vidée");
     verifier(app.controleur()->originesWebView().size() == 1, "seule la vue principale reste");
     attendre([&] { return liberee; }, 10, "la vue de la fenêtre fermée est libérée");
+
+    // Closing the main window closes the others and ends the application; its size stays.
+    script(vue, "document.getElementById('ouvrir-fenetre').click(); 'ok'");
+    attendre([&] { return fenetresVisibles(app).size() == 2; }, 20, "seconde fenêtre");
+    gtk_window_close(app.plateforme()->fenetrePrincipale()->fenetre());
+    attendre([&] { return fenetresVisibles(app).empty(); }, 10, "toutes les fenêtres fermées");
+    verifier(app.controleur()->fenetresSecondaires().empty(), "liste vidée");
+    verifier(gtk::ReglagesGtk::parDefaut().lire("BrindexPrincipaleLargeur") == "1280",
+             "taille de la fenêtre enregistrée");
 }
 
 void telechargement(ApplicationGtk& app) {

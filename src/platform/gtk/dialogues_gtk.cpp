@@ -90,7 +90,9 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
     gtk_widget_set_margin_start(colonne, 20);
     gtk_widget_set_margin_end(colonne, 20);
     gtk_widget_set_size_request(colonne, 340, -1);
-    gtk_box_append(GTK_BOX(colonne), etiquette(alerte.message, "alerte-titre"));
+    GtkWidget* titre = etiquette(alerte.message, "alerte-titre");
+    gtk_widget_set_name(titre, "titre-alerte");
+    gtk_box_append(GTK_BOX(colonne), titre);
     if (!alerte.informatif.empty()) {
         GtkWidget* texte = etiquette(alerte.informatif, nullptr);
         gtk_widget_set_name(texte, "texte-alerte");
