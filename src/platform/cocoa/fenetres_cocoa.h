@@ -47,6 +47,8 @@ class FenetrePrincipaleCocoa : public FenetreCocoa<FenetrePrincipale> {
     void progression(double valeur, bool visible) override;
 
    private:
+    void remplacerContenu(NSView *ecran);
+
     NSProgressIndicator *barre_ = nil;
 };
 

@@ -65,6 +65,8 @@ FenetreCocoa<Interface>::FenetreCocoa(const ParametresFenetre &parametres,
 template <typename Interface>
 FenetreCocoa<Interface>::~FenetreCocoa() {
     fenetre_.delegate = nil;
+    // Dropped from windowWillClose: while AppKit is still closing the window.
+    relacherPlusTard(fenetre_);
 }
 
 template <typename Interface>
@@ -107,10 +109,16 @@ FenetrePrincipaleCocoa::FenetrePrincipaleCocoa(const ParametresFenetre &parametr
                                                std::function<void()> vaFermer)
     : FenetreCocoa(parametres, std::move(vaFermer)) {}
 
+void FenetrePrincipaleCocoa::remplacerContenu(NSView *ecran) {
+    // The screen going away may be the one whose button asked for the change.
+    relacherPlusTard(fenetre_.contentView);
+    fenetre_.contentView = ecran;
+}
+
 void FenetrePrincipaleCocoa::montrerConfiguration(std::shared_ptr<VueConfiguration> vue) {
     barre_ = nil;
     BrindexVueConfiguration *ecran = [[BrindexVueConfiguration alloc] initAvecVue:vue];
-    fenetre_.contentView = ecran;
+    remplacerContenu(ecran);
     vue->attacher(ecran.controles);
 }
 
@@ -142,12 +150,12 @@ void FenetrePrincipaleCocoa::montrerEspace(std::shared_ptr<VueWeb> vue) {
         [barre_.leadingAnchor constraintEqualToAnchor:conteneur.leadingAnchor],
         [barre_.trailingAnchor constraintEqualToAnchor:conteneur.trailingAnchor],
     ]];
-    fenetre_.contentView = conteneur;
+    remplacerContenu(conteneur);
 }
 
 void FenetrePrincipaleCocoa::montrerErreur(std::shared_ptr<VueErreur> vue) {
     barre_ = nil;
-    fenetre_.contentView = [[BrindexVueErreur alloc] initAvecVue:vue];
+    remplacerContenu([[BrindexVueErreur alloc] initAvecVue:vue]);
 }
 
 void FenetrePrincipaleCocoa::progression(double valeur, bool visible) {

@@ -167,7 +167,8 @@ class CoquilleCocoa : public brindex::Coquille {
 
 @end
 
-int main(int argc, const char *argv[]) {
+// No argument is used.
+int main() {
     @autoreleasepool {
         NSApplication *application = NSApplication.sharedApplication;
         // The delegate lives for the whole run: NSApplication holds it weakly.

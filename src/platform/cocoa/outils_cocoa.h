@@ -27,6 +27,16 @@ inline std::optional<std::string> texteOptionnel(NSString *chaine) {
     return texte(chaine);
 }
 
+// Lets an object go only once the current event has been handled: AppKit and WebKit may still
+// be inside one of its callbacks (a button's action, windowWillClose:, a delegate method) when
+// its owner drops it.
+inline void relacherPlusTard(id objet) {
+    if (!objet) return;
+    dispatch_async(dispatch_get_main_queue(), ^{
+        (void)objet;
+    });
+}
+
 inline NSColor *couleur(const Couleur &c, double opacite = 1.0) {
     return [NSColor colorWithSRGBRed:c.rouge green:c.vert blue:c.bleu alpha:c.alpha * opacite];
 }

@@ -25,7 +25,11 @@ void TransportCocoa::envoyer(const RequeteSonde &requete, std::function<void(Ech
     if (!url) {
         dispatch_async(dispatch_get_main_queue(), ^{
             EchangeTermine termine;
-            termine.erreur = ErreurTransport{NSURLErrorBadURL, "Adresse invalide."};
+            // Worded by the system, like every other transport failure.
+            NSError *erreur = [NSError errorWithDomain:NSURLErrorDomain
+                                                  code:NSURLErrorBadURL
+                                              userInfo:nil];
+            termine.erreur = ErreurTransport{erreur.code, texte(erreur.localizedDescription)};
             fin(termine);
         });
         return;

@@ -363,7 +363,13 @@ VueWebCocoa::VueWebCocoa(const ParametresVueWeb &parametres, WKWebViewConfigurat
     }
 }
 
-VueWebCocoa::~VueWebCocoa() { detacher(); }
+VueWebCocoa::~VueWebCocoa() {
+    detacher();
+    // The controller may drop this view from inside one of its own callbacks (a page closing its
+    // window, a failed first load).
+    relacherPlusTard(webView_);
+    relacherPlusTard(delegue_);
+}
 
 void VueWebCocoa::detacher() {
     // Observations must end before the web view goes away.
