@@ -204,9 +204,12 @@ void popup(ApplicationGtk& app) {
     verifier(app.controleur()->originesWebView().size() == 1, "seule la vue principale reste");
     attendre([&] { return liberee; }, 10, "la vue de la fenêtre fermée est libérée");
 
+    // A blank window that the page writes into is held to the page's origin.
+    script(vue, "document.getElementById('ouvrir-vierge').click(); 'ok'");
+    attendre([&] { return fenetresVisibles(app).size() == 2; }, 20, "fenêtre vierge");
+    verifier(app.controleur()->originesWebView().size() == 2, "tenue à l'origine de l'ouvreur");
+
     // Closing the main window closes the others and ends the application; its size stays.
-    script(vue, "document.getElementById('ouvrir-fenetre').click(); 'ok'");
-    attendre([&] { return fenetresVisibles(app).size() == 2; }, 20, "seconde fenêtre");
     gtk_window_close(app.plateforme()->fenetrePrincipale()->fenetre());
     attendre([&] { return fenetresVisibles(app).empty(); }, 10, "toutes les fenêtres fermées");
     verifier(app.controleur()->fenetresSecondaires().empty(), "liste vidée");

@@ -249,8 +249,10 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
     const auto controleur = _controleur.lock();
     if (!controleur) return nil;
     const brindex::cocoa::ConfigurationCocoa fournie(configuration);
-    const auto vue = controleur->creerVueWebDemandee(
-        *_vue, texteOptionnel(navigationAction.request.URL.absoluteString), fournie);
+    // window.open('') may come with an empty address: the page asked for none.
+    NSString *adresse = navigationAction.request.URL.absoluteString;
+    const auto url = adresse.length > 0 ? texteOptionnel(adresse) : std::nullopt;
+    const auto vue = controleur->creerVueWebDemandee(*_vue, url, fournie);
     auto *cocoa = dynamic_cast<brindex::cocoa::VueWebCocoa *>(vue.get());
     return cocoa ? cocoa->webView() : nil;
 }

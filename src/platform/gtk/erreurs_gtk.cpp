@@ -17,10 +17,12 @@ struct Correspondance {
 };
 
 // WebKitGTK reports network failures with GLib's own errors: a refused port is
-// G_IO_ERROR_CONNECTION_REFUSED, an unknown host a G_RESOLVER_ERROR.
+// G_IO_ERROR_CONNECTION_REFUSED, an unknown host a G_RESOLVER_ERROR, a server that closes
+// without answering G_IO_ERROR_PARTIAL_INPUT. A load the user stopped or replaced comes as
+// WebKitNetworkError/302; G_IO_ERROR_CANCELLED is left out on purpose, since a refused
+// certificate can come back as it and must not pass for a silent cancel.
 const Correspondance table[] = {
     {webkit_network_error_quark, WEBKIT_NETWORK_ERROR_CANCELLED, domaineUrl, -999},
-    {g_io_error_quark, G_IO_ERROR_CANCELLED, domaineUrl, -999},
     {webkit_policy_error_quark, WEBKIT_POLICY_ERROR_FRAME_LOAD_INTERRUPTED_BY_POLICY_CHANGE,
      domaineWebKit, 102},
     {g_resolver_error_quark, -1, domaineUrl, -1003},
@@ -31,6 +33,7 @@ const Correspondance table[] = {
     {g_io_error_quark, G_IO_ERROR_NETWORK_UNREACHABLE, domaineUrl, -1009},
     {g_io_error_quark, G_IO_ERROR_CONNECTION_CLOSED, domaineUrl, -1005},
     {g_io_error_quark, G_IO_ERROR_BROKEN_PIPE, domaineUrl, -1005},
+    {g_io_error_quark, G_IO_ERROR_PARTIAL_INPUT, domaineUrl, -1005},
     {g_tls_error_quark, G_TLS_ERROR_BAD_CERTIFICATE, domaineUrl, -1202},
     {g_tls_error_quark, -1, domaineUrl, -1200},
 };

@@ -228,7 +228,9 @@ GtkWidget* VueWebGtk::surCreation(WebKitWebView*, WebKitNavigationAction* action
     const auto c = vue->controleur_.lock();
     if (!c) return nullptr;
     WebKitURIRequest* requete = webkit_navigation_action_get_request(action);
-    const auto url = texte(requete ? webkit_uri_request_get_uri(requete) : nullptr);
+    auto url = texte(requete ? webkit_uri_request_get_uri(requete) : nullptr);
+    // window.open('') reaches WebKitGTK as an empty URI: the page asked for no address.
+    if (url && url->empty()) url.reset();
     const ConfigurationGtk configuration(vue->webView());
     const auto nouvelle = c->creerVueWebDemandee(*vue, url, configuration);
     auto* gtkVue = dynamic_cast<VueWebGtk*>(nouvelle.get());
