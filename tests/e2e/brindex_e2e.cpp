@@ -155,6 +155,27 @@ void injoignable(ApplicationGtk& app) {
     cliquer(chercher(GTK_WIDGET(feuille), "bouton-0"));
 }
 
+// WebKitGTK has no time-out of its own for a load: the application's applies.
+void delaiDepasse(ApplicationGtk& app) {
+    WebKitWebView* vue = attendreEspace(app, espace());
+    const auto active = app.controleur()->webViewActive();
+    // A server that answers in time: nothing is said, even once the delay has gone by.
+    active->charger(espace() + "equipe", 1.0);
+    attendreJournal("navigation OK " + espace() + "equipe");
+    patienter(1.5);
+    verifier(!chercherPartout(app, "bouton-0"), "aucune alerte pour une page arrivée à temps");
+    // One that keeps the page waiting longer than the delay.
+    active->charger(espace() + "lent", 1.0);
+    GtkWidget* feuille = GTK_WIDGET(gtk_widget_get_root(exiger(app, "bouton-0", 10)));
+    verifier(texte(chercher(feuille, "titre-alerte")) == "Page inaccessible", "titre");
+    verifier(contient(texte(chercher(feuille, "texte-alerte")),
+                      "Le serveur de votre espace ne répond pas"),
+             "explication");
+    verifier(contient(journal(), "navigation ECHEC NSURLErrorDomain/-1001"), journal());
+    verifier(vueWebPrincipale(app) == vue, "la page reste");
+    cliquer(chercher(feuille, "bouton-0"));
+}
+
 void lienExterne(ApplicationGtk& app) {
     WebKitWebView* vue = attendreEspace(app, espace());
     script(vue, "document.getElementById('lien-externe').click(); 'ok'");
@@ -296,6 +317,7 @@ const std::map<std::string, Scenario>& scenarios() {
         {"injoignable",
          {[] { stockerAdresse("http://127.0.0.1:" + std::to_string(portLibre()) + "/"); },
           injoignable}},
+        {"delai-depasse", {[] { stockerAdresse(espace()); }, delaiDepasse}},
         {"lien-externe", {[] { stockerAdresse(espace()); }, lienExterne}},
         {"redirection-script", {[] { stockerAdresse(espace()); }, redirectionScript}},
         {"popup", {[] { stockerAdresse(espace()); }, popup}},

@@ -106,17 +106,22 @@ void VueWebGtk::connecter() {
 void VueWebGtk::detacher() {
     if (!attachee_) return;
     attachee_ = false;
+    annulerDelai();
     pretAAfficher = nullptr;
     if (vue_) g_signal_handlers_disconnect_by_data(vue_.get(), this);
 }
 
 // ---- Commands ----
 
-void VueWebGtk::charger(const std::string& url, double) {
-    // WebKitGTK has no per-request time-out; the network layer's own applies.
+void VueWebGtk::charger(const std::string& url, double delaiSecondes) {
+    annulerDelai();
+    if (delaiSecondes > 0) {
+        delai_ = g_timeout_add(static_cast<guint>(delaiSecondes * 1000), surDelaiDepasse, this);
+    }
     webkit_web_view_load_uri(vue_.get(), url.c_str());
 }
 void VueWebGtk::arreter() {
+    annulerDelai();
     webkit_web_view_stop_loading(vue_.get());
 }
 void VueWebGtk::recharger() {
@@ -199,6 +204,8 @@ gboolean VueWebGtk::surPolitique(WebKitWebView*, WebKitPolicyDecision* decision,
 void VueWebGtk::surChargement(WebKitWebView*, WebKitLoadEvent evenement, gpointer donnees) {
     VueWebGtk* vue = soi(donnees);
     if (evenement == WEBKIT_LOAD_STARTED) vue->echec_ = false;
+    // The server has answered: the time-out no longer applies.
+    if (evenement == WEBKIT_LOAD_COMMITTED) vue->annulerDelai();
     if (evenement != WEBKIT_LOAD_FINISHED || vue->echec_) return;
     if (const auto c = vue->controleur_.lock()) c->chargementTermine(*vue);
 }
@@ -207,6 +214,7 @@ gboolean VueWebGtk::surEchec(WebKitWebView*, WebKitLoadEvent, char*, GError* err
                              gpointer donnees) {
     VueWebGtk* vue = soi(donnees);
     vue->echec_ = true;
+    vue->annulerDelai();
     if (const auto c = vue->controleur_.lock()) c->traiterEchec(erreurDepuisGError(erreur), *vue);
     // No engine error page: the application explains failures itself.
     return TRUE;
@@ -216,10 +224,28 @@ gboolean VueWebGtk::surEchecTls(WebKitWebView*, char*, GTlsCertificate*,
                                 GTlsCertificateFlags defauts, gpointer donnees) {
     VueWebGtk* vue = soi(donnees);
     vue->echec_ = true;
+    vue->annulerDelai();
     if (const auto c = vue->controleur_.lock()) {
         c->traiterEchec(erreurTls(defauts, "Le certificat du serveur n'est pas valide."), *vue);
     }
     return TRUE;
+}
+
+void VueWebGtk::annulerDelai() {
+    if (delai_ != 0) g_source_remove(delai_);
+    delai_ = 0;
+}
+
+gboolean VueWebGtk::surDelaiDepasse(gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    vue->delai_ = 0;
+    const auto c = vue->controleur_.lock();
+    // Stopping reports a cancelled load, which is ignored; the time-out is reported after it,
+    // as the last use of `vue`, since the controller may tear the view down in answer.
+    vue->arreter();
+    vue->echec_ = true;
+    if (c) c->traiterEchec({std::string(domaineUrl), -1001, "La requête a expiré."}, *vue);
+    return G_SOURCE_REMOVE;
 }
 
 GtkWidget* VueWebGtk::surCreation(WebKitWebView*, WebKitNavigationAction* action,

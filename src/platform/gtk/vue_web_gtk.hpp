@@ -63,12 +63,16 @@ class VueWebGtk : public VueWeb {
     static gboolean surChoixFichiers(WebKitWebView*, WebKitFileChooserRequest*, gpointer);
     static void surTitre(GObject*, GParamSpec*, gpointer);
     static void surProgression(GObject*, GParamSpec*, gpointer);
+    static gboolean surDelaiDepasse(gpointer);
+    void annulerDelai();
 
     Ref<WebKitWebView> vue_;
     std::weak_ptr<Controleur> controleur_;
     // WebKit reports a failed load as finished too; only a clean finish counts.
     bool echec_ = false;
     bool attachee_ = true;
+    // WebKitGTK has no per-request time-out: a timer stands in for it until the server answers.
+    guint delai_ = 0;
 };
 
 }  // namespace brindex::gtk
