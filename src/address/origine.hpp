@@ -11,7 +11,7 @@ namespace brindex {
 
 // Scheme, host and port: what keeps each web view on its space's site.
 class Origine {
-public:
+  public:
     // Gives nothing unless the URL is http or https with a non-empty host.
     static std::optional<Origine> depuis(const Url& url);
     // From a URL text an engine reported (see Url::depuisMoteur).
@@ -25,7 +25,7 @@ public:
         return a.scheme_ == b.scheme_ && a.host_ == b.host_ && a.port_ == b.port_;
     }
 
-private:
+  private:
     Origine(std::string scheme, std::string host, std::int64_t port)
         : scheme_(std::move(scheme)), host_(std::move(host)), port_(port) {}
 

@@ -11,7 +11,7 @@ namespace brindex {
 
 // What a probe found at an address.
 class ResultatSonde {
-public:
+  public:
     enum class Cas { ok, pasUnEspace, injoignable };
 
     static ResultatSonde ok() { return ResultatSonde(Cas::ok, {}); }
@@ -26,7 +26,7 @@ public:
 
     friend bool operator==(const ResultatSonde&, const ResultatSonde&) = default;
 
-private:
+  private:
     ResultatSonde(Cas cas, std::string texte) : cas_(cas), texte_(std::move(texte)) {}
     Cas cas_;
     std::string texte_;
@@ -64,7 +64,7 @@ ResultatSonde trierEchange(const EchangeTermine& echange);
 // The platform's HTTP client: follows redirects, verifies certificates, keeps no cookie or
 // cache, applies the request's time-out, and calls `fin` once, on the main thread.
 class TransportHttp {
-public:
+  public:
     virtual ~TransportHttp() = default;
     virtual void envoyer(const RequeteSonde& requete, std::function<void(EchangeTermine)> fin) = 0;
 };

@@ -10,7 +10,7 @@ namespace brindex {
 // An absolute URL split as RFC 3986 splits it. The text is kept as it was given, so that a
 // space URL reads back exactly as the user typed it.
 class Url {
-public:
+  public:
     // Splits an absolute URL; gives nothing for text that RFC 3986 refuses (spaces, characters
     // outside the grammar, bad percent-encoding, an unclosed bracket, a port that is not digits)
     // or for a relative reference.
@@ -43,7 +43,7 @@ public:
 
     friend bool operator==(const Url& a, const Url& b) { return a.texte_ == b.texte_; }
 
-private:
+  private:
     Url() = default;
 
     std::string texte_;

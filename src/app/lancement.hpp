@@ -8,7 +8,7 @@ class Controleur;
 
 // What the application object does for the launch sequence.
 class Coquille {
-public:
+  public:
     virtual ~Coquille() = default;
     virtual void construireMenus() = 0;
     // Brings the application to the front, taking the focus from whichever application has it.

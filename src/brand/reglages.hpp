@@ -7,7 +7,7 @@ namespace brindex {
 
 // The user's settings store, one string per key (user defaults on macOS, a key file on Linux).
 class Reglages {
-public:
+  public:
     virtual ~Reglages() = default;
     virtual std::optional<std::string> lire(const std::string& cle) const = 0;
     // Stores the text, or removes the key when given none.

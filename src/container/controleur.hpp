@@ -17,7 +17,7 @@ namespace brindex {
 
 // A plain window holding one web view that a page of the space opened.
 class FenetreSecondaire : public std::enable_shared_from_this<FenetreSecondaire> {
-public:
+  public:
     // Builds and shows the window around the web view.
     static std::shared_ptr<FenetreSecondaire> creer(Plateforme& plateforme,
                                                     std::shared_ptr<VueWeb> webView);
@@ -34,7 +34,7 @@ public:
     // The window is about to close by itself.
     void fenetreVaFermer();
 
-private:
+  private:
     explicit FenetreSecondaire(std::shared_ptr<VueWeb> webView) : webView_(std::move(webView)) {}
     void detacher();
 
@@ -46,7 +46,7 @@ private:
 // its space's origin, opens popups as secondary windows, reports load failures, answers page
 // dialogs and saves downloads. Every callback it hands out holds it weakly.
 class Controleur : public std::enable_shared_from_this<Controleur> {
-public:
+  public:
     // Builds the main window, hidden.
     static std::shared_ptr<Controleur> creer(Plateforme& plateforme);
     static ParametresFenetre parametresFenetrePrincipale();
@@ -130,7 +130,7 @@ public:
     std::optional<std::string> destinationDe(const Telechargement& telechargement) const;
     std::size_t telechargementsEnCours() const { return telechargements_.size(); }
 
-private:
+  private:
     explicit Controleur(Plateforme& plateforme) : plateforme_(plateforme) {}
     std::optional<Origine> origineDe(const VueWeb& vue) const;
     void ajusterZoom(double (*regle)(double));

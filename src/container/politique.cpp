@@ -36,7 +36,8 @@ DecisionAction deciderAction(const ActionNavigation& action,
     if (action.type == TypeNavigation::lienActive) {
         return {Politique::annuler, *action.url, {}};
     }
-    return {Politique::annuler, {},
+    return {Politique::annuler,
+            {},
             "navigation externe automatique REFUSEE vers " + destination->host()};
 }
 

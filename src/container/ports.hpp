@@ -83,7 +83,7 @@ using FichiersChoisis = std::optional<std::vector<std::string>>;
 
 // A web view. Its identity is the object's address.
 class VueWeb {
-public:
+  public:
     virtual ~VueWeb() = default;
     // Loads with the protocol's cache policy and the given time-out.
     virtual void charger(const std::string& url, double delaiSecondes) = 0;
@@ -104,13 +104,13 @@ public:
 // What the engine supplies when a page asks for a new window (the opener's configuration);
 // the core hands it back untouched to create the new web view.
 class ConfigurationMoteur {
-public:
+  public:
     virtual ~ConfigurationMoteur() = default;
 };
 
 // A download under way; identity only.
 class Telechargement {
-public:
+  public:
     virtual ~Telechargement() = default;
 };
 
@@ -125,14 +125,14 @@ struct ParametresFenetre {
 };
 
 struct ParametresVueWeb {
-    bool principale;          // the space's own view, as opposed to a popup's
-    bool gestesHistorique;    // back/forward swipes
-    bool grossissement;       // pinch to zoom
-    std::string agentSuffixe; // appended to the engine's user agent
+    bool principale;           // the space's own view, as opposed to a popup's
+    bool gestesHistorique;     // back/forward swipes
+    bool grossissement;        // pinch to zoom
+    std::string agentSuffixe;  // appended to the engine's user agent
 };
 
 class Fenetre {
-public:
+  public:
     virtual ~Fenetre() = default;
     virtual void definirTitre(const std::string& titre) = 0;
     virtual bool estCle() const = 0;
@@ -147,7 +147,7 @@ public:
 
 // The main window shows exactly one of three screens.
 class FenetrePrincipale : public Fenetre {
-public:
+  public:
     // The platform builds the widgets and calls `vue->attacher` with them.
     virtual void montrerConfiguration(std::shared_ptr<VueConfiguration> vue) = 0;
     // The web view under a thin progress bar, hidden at first.
@@ -157,7 +157,7 @@ public:
 };
 
 class Plateforme {
-public:
+  public:
     virtual ~Plateforme() = default;
 
     // The window is built hidden; `vaFermer` runs just before it closes.

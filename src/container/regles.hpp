@@ -9,7 +9,9 @@ namespace brindex {
 std::string titreFenetre(const std::optional<std::string>& titrePage);
 
 // The progress bar shows until the load is complete.
-inline bool barreVisible(double progression) { return progression < 1.0; }
+inline bool barreVisible(double progression) {
+    return progression < 1.0;
+}
 
 // Page zoom steps: plain double additions, clamped, so values drift as doubles do.
 inline double zoomAugmente(double zoom) {
@@ -20,7 +22,9 @@ inline double zoomDiminue(double zoom) {
     const double valeur = zoom - 0.1;
     return valeur <= 0.5 ? 0.5 : valeur;
 }
-inline double zoomNormal(double) { return 1.0; }
+inline double zoomNormal(double) {
+    return 1.0;
+}
 
 // Time-out of every load of the space, in seconds.
 inline constexpr double delaiChargement = 60.0;

@@ -46,7 +46,11 @@ inline constexpr double sousTitre = 8;
 inline constexpr Texte intro{
     "Votre espace est un serveur privé dédié. Saisissez son adresse pour ouvrir la mémoire de "
     "l'entreprise.",
-    {13.5}, Marque::attenue, 1.0, true, 460};
+    {13.5},
+    Marque::attenue,
+    1.0,
+    true,
+    460};
 inline constexpr double sousIntro = 34;
 // Its leading edge lines up with the entry row's.
 inline constexpr Texte libelle{"Adresse de votre espace", {12.5, Graisse::moyenne}, Marque::texte};

@@ -14,7 +14,7 @@ namespace brindex {
 
 // The widgets a platform draws for the configuration view; the view's logic drives them.
 class ControlesConfiguration {
-public:
+  public:
     virtual ~ControlesConfiguration() = default;
     virtual std::string texteChamp() const = 0;
     virtual void definirTexteChamp(const std::string& texte) = 0;
@@ -35,7 +35,7 @@ using Sondeur = std::function<void(const Url&, std::function<void(ResultatSonde)
 // Where the user gives the address of their space: checks it, probes it, explains what it
 // found, and hands the URL to keep to its owner.
 class VueConfiguration : public std::enable_shared_from_this<VueConfiguration> {
-public:
+  public:
     static std::shared_ptr<VueConfiguration> creer(std::optional<std::string> adresseActuelle,
                                                    Sondeur sondeur);
 
@@ -58,7 +58,7 @@ public:
     // Every edit the user makes in the field.
     void texteModifie();
 
-private:
+  private:
     VueConfiguration(std::optional<std::string> adresseActuelle, Sondeur sondeur);
     void suivante(std::shared_ptr<std::vector<std::string>> restantes);
 

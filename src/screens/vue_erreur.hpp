@@ -7,7 +7,7 @@ namespace brindex {
 
 // Fills the main window when the space can't be reached: its explanation and two buttons.
 class VueErreur {
-public:
+  public:
     explicit VueErreur(std::string detail) : detail_(std::move(detail)) {}
 
     const std::string& detail() const { return detail_; }
@@ -24,7 +24,7 @@ public:
         if (onChangerAdresse) onChangerAdresse();
     }
 
-private:
+  private:
     std::string detail_;
 };
 
