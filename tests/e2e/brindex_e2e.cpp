@@ -160,9 +160,9 @@ void delaiDepasse(ApplicationGtk& app) {
     WebKitWebView* vue = attendreEspace(app, espace());
     const auto active = app.controleur()->webViewActive();
     // A server that answers in time: nothing is said, even once the delay has gone by.
-    active->charger(espace() + "equipe", 1.0);
+    active->charger(espace() + "equipe", 2.0);
     attendreJournal("navigation OK " + espace() + "equipe");
-    patienter(1.5);
+    patienter(2.5);
     verifier(!chercherPartout(app, "bouton-0"), "aucune alerte pour une page arrivée à temps");
     // One that keeps the page waiting longer than the delay.
     active->charger(espace() + "lent", 1.0);
