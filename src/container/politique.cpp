@@ -53,7 +53,8 @@ DecisionFenetre deciderFenetre(const std::optional<Origine>& origineOuvreur,
                                const std::optional<std::string>& url) {
     using Choix = DecisionFenetre::Choix;
     if (!origineOuvreur) return {};
-    if (!url || *url == "about:blank") return {Choix::ouvrir, {}};
+    // An empty address is none: engines give one for window.open('').
+    if (!url || url->empty() || *url == "about:blank") return {Choix::ouvrir, {}};
     if (const auto origine = Origine::depuis(*url); origine && *origine == *origineOuvreur) {
         return {Choix::ouvrir, {}};
     }

@@ -11,7 +11,7 @@ TEST_F(ControleurTest, RegleDOuverture) {
         std::optional<std::string> navigateur;
     };
     for (const auto& cas :
-         {Cas{std::nullopt, true, {}}, Cas{"about:blank", true, {}},
+         {Cas{std::nullopt, true, {}}, Cas{"", true, {}}, Cas{"about:blank", true, {}},
           Cas{"https://ESPACE.example/p", true, {}}, Cas{"About:blank", false, {}},
           Cas{"https://ailleurs.example/", false, "https://ailleurs.example/"},
           Cas{"http://espace.example/", false, "http://espace.example/"},

@@ -38,6 +38,20 @@ brindex::ActionNavigation actionDepuis(WKNavigationAction *action) {
     return valeur;
 }
 
+// The controller's answer as the WebKit policy of an action or a response.
+template <typename P>
+P politiqueWebKit(brindex::Politique politique, P autoriser, P telecharger, P annuler) {
+    switch (politique) {
+        case brindex::Politique::autoriser:
+            return autoriser;
+        case brindex::Politique::telecharger:
+            return telecharger;
+        case brindex::Politique::annuler:
+            return annuler;
+    }
+    return annuler;
+}
+
 brindex::ErreurChargement erreurDepuis(NSError *erreur) {
     return {brindex::cocoa::texte(erreur.domain), erreur.code,
             brindex::cocoa::texte(erreur.localizedDescription)};
@@ -164,18 +178,10 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
         decisionHandler(WKNavigationActionPolicyCancel);
         return;
     }
-    switch (controleur->deciderAction(*_vue, actionDepuis(navigationAction))) {
-        case brindex::Politique::autoriser:
-            decisionHandler(WKNavigationActionPolicyAllow);
-            return;
-        case brindex::Politique::telecharger:
-            decisionHandler(WKNavigationActionPolicyDownload);
-            return;
-        case brindex::Politique::annuler:
-            decisionHandler(WKNavigationActionPolicyCancel);
-            return;
-    }
-    decisionHandler(WKNavigationActionPolicyCancel);
+    decisionHandler(
+        politiqueWebKit(controleur->deciderAction(*_vue, actionDepuis(navigationAction)),
+                        WKNavigationActionPolicyAllow, WKNavigationActionPolicyDownload,
+                        WKNavigationActionPolicyCancel));
 }
 
 - (void)webView:(WKWebView *)webView
@@ -194,18 +200,9 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
             texteOptionnel([http valueForHTTPHeaderField:@"Content-Disposition"]);
     }
     reponse.typeAffichable = navigationResponse.canShowMIMEType;
-    switch (controleur->deciderReponse(*_vue, reponse)) {
-        case brindex::Politique::autoriser:
-            decisionHandler(WKNavigationResponsePolicyAllow);
-            return;
-        case brindex::Politique::telecharger:
-            decisionHandler(WKNavigationResponsePolicyDownload);
-            return;
-        case brindex::Politique::annuler:
-            decisionHandler(WKNavigationResponsePolicyCancel);
-            return;
-    }
-    decisionHandler(WKNavigationResponsePolicyCancel);
+    decisionHandler(
+        politiqueWebKit(controleur->deciderReponse(*_vue, reponse), WKNavigationResponsePolicyAllow,
+                        WKNavigationResponsePolicyDownload, WKNavigationResponsePolicyCancel));
 }
 
 - (void)webView:(WKWebView *)webView didFinishNavigation:(WKNavigation *)navigation {
@@ -249,10 +246,8 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
     const auto controleur = _controleur.lock();
     if (!controleur) return nil;
     const brindex::cocoa::ConfigurationCocoa fournie(configuration);
-    // window.open('') may come with an empty address: the page asked for none.
-    NSString *adresse = navigationAction.request.URL.absoluteString;
-    const auto url = adresse.length > 0 ? texteOptionnel(adresse) : std::nullopt;
-    const auto vue = controleur->creerVueWebDemandee(*_vue, url, fournie);
+    const auto vue = controleur->creerVueWebDemandee(
+        *_vue, texteOptionnel(navigationAction.request.URL.absoluteString), fournie);
     auto *cocoa = dynamic_cast<brindex::cocoa::VueWebCocoa *>(vue.get());
     return cocoa ? cocoa->webView() : nil;
 }

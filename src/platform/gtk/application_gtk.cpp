@@ -174,14 +174,6 @@ void ApplicationGtk::activer() {
     if (controleur_) controleur_->fenetre().devant();
 }
 
-void ApplicationGtk::commande(Commande c) {
-    if (controleur_ && controleurRepond(c)) {
-        controleur_->executer(c);
-        return;
-    }
-    commandeStandard(c);
-}
-
 void ApplicationGtk::commandeStandard(Commande c) {
     GtkWindow* active = gtk_application_get_active_window(application_.get());
     if (const Edition* e = edition(c)) {

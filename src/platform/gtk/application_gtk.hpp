@@ -27,9 +27,6 @@ class ApplicationGtk : public Coquille {
     void construireMenus() override;
     void activer() override;
 
-    // Runs one of the menu bar's commands, as its item or key would.
-    void commande(Commande commande);
-
     GtkApplication* application() const { return application_.get(); }
     Controleur* controleur() const { return controleur_.get(); }
     PlateformeGtk* plateforme() const { return plateforme_.get(); }

@@ -163,21 +163,16 @@ gboolean VueWebGtk::surPolitique(WebKitWebView*, WebKitPolicyDecision* decision,
         return TRUE;
     }
     switch (type) {
-        case WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION: {
+        case WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION:
+        case WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION: {
             // WebKitGTK doesn't say which frame a navigation targets: every navigation
             // action is held to the view's origin as if it filled the view.
+            const auto cible = type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION
+                                   ? CadreCible::aucun
+                                   : CadreCible::principal;
             auto* navigation = WEBKIT_NAVIGATION_POLICY_DECISION(decision);
-            const auto action =
-                actionDepuis(webkit_navigation_policy_decision_get_navigation_action(navigation),
-                             CadreCible::principal);
-            appliquer(decision, c->deciderAction(*vue, action));
-            return TRUE;
-        }
-        case WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION: {
-            auto* navigation = WEBKIT_NAVIGATION_POLICY_DECISION(decision);
-            const auto action =
-                actionDepuis(webkit_navigation_policy_decision_get_navigation_action(navigation),
-                             CadreCible::aucun);
+            const auto action = actionDepuis(
+                webkit_navigation_policy_decision_get_navigation_action(navigation), cible);
             appliquer(decision, c->deciderAction(*vue, action));
             return TRUE;
         }
@@ -254,9 +249,7 @@ GtkWidget* VueWebGtk::surCreation(WebKitWebView*, WebKitNavigationAction* action
     const auto c = vue->controleur_.lock();
     if (!c) return nullptr;
     WebKitURIRequest* requete = webkit_navigation_action_get_request(action);
-    auto url = texte(requete ? webkit_uri_request_get_uri(requete) : nullptr);
-    // window.open('') reaches WebKitGTK as an empty URI: the page asked for no address.
-    if (url && url->empty()) url.reset();
+    const auto url = texte(requete ? webkit_uri_request_get_uri(requete) : nullptr);
     const ConfigurationGtk configuration(vue->webView());
     const auto nouvelle = c->creerVueWebDemandee(*vue, url, configuration);
     auto* gtkVue = dynamic_cast<VueWebGtk*>(nouvelle.get());
