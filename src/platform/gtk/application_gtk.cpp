@@ -85,12 +85,8 @@ int ApplicationGtk::executer(int argc, char** argv) {
 void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
     auto* soi = static_cast<ApplicationGtk*>(donnees);
     if (soi->controleur_) {
-        // Launched again: the running application comes forward.
-        bool visibles = false;
-        for (GList* l = gtk_application_get_windows(soi->application_.get()); l; l = l->next) {
-            visibles = visibles || gtk_widget_get_visible(GTK_WIDGET(l->data));
-        }
-        reouvrir(*soi->controleur_, visibles);
+        // Launched again: the running application's main window comes forward, even when
+        // some window is already shown (unlike a click on the macOS Dock icon).
         soi->controleur_->fenetre().devant();
         return;
     }

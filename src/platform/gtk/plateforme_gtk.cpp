@@ -116,7 +116,6 @@ gboolean PlateformeGtk::surDestination(WebKitDownload* telechargement, char* nom
         return TRUE;
     }
     const std::string destination = c->destinationTelechargement(t, nomSuggere ? nomSuggere : "");
-    webkit_download_set_allow_overwrite(telechargement, FALSE);
     webkit_download_set_destination(telechargement, destination.c_str());
     return TRUE;
 }
