@@ -1,8 +1,10 @@
 // Feeds arbitrary text to the address functions and traps on any broken invariant.
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
+#include "address/hote.hpp"
 #include "address/normalisation.hpp"
 #include "address/origine.hpp"
 #include "address/url.hpp"
@@ -24,14 +26,40 @@ void verifierStable(const Url& url) {
            encore->utilisateur() == url.utilisateur() && encore->motDePasse() == url.motDePasse());
 }
 
+// Canonicalising a canonical host changes nothing.
+void verifierHote(std::string_view hote, bool ipv6) {
+    if (const auto canonique = hoteCanonique(hote, ipv6)) {
+        const auto encore = hoteCanonique(*canonique, ipv6);
+        exiger(encore.has_value() && *encore == *canonique);
+    }
+}
+
+// An origin survives the engine's round trip: the engine writes back scheme://host:port/ with
+// the canonical host, and that text has the same origin.
+void verifierOrigine(const Origine& origine) {
+    const bool ipv6 = origine.host().find(':') != std::string::npos;
+    const std::string hote = ipv6 ? "[" + origine.host() + "]" : origine.host();
+    const std::string texte =
+        origine.scheme() + "://" + hote + ":" + std::to_string(origine.port()) + "/";
+    const auto encore = Origine::depuis(std::string_view(texte));
+    exiger(encore.has_value() && *encore == origine);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* donnees, std::size_t taille) {
     const std::string_view texte(reinterpret_cast<const char*>(donnees), taille);
 
     (void)estHoteLocalOuPrive(texte);
-    if (const auto url = Url::analyser(texte)) verifierStable(*url);
+    verifierHote(texte, false);
+    verifierHote(texte, true);
+    if (const auto url = Url::analyser(texte)) {
+        verifierStable(*url);
+        verifierHote(url->hote(), url->hoteEstIPv6());
+        if (const auto origine = Origine::depuis(*url)) verifierOrigine(*origine);
+    }
     if (const auto url = Url::depuisMoteur(texte)) verifierStable(*url);
+    if (const auto origine = Origine::depuis(texte)) verifierOrigine(*origine);
 
     if (const auto url = normaliserAdresse(texte)) {
         const std::string scheme = enMinuscules(url->scheme());
@@ -43,7 +71,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* donnees, std::size_t t
         exiger(!url->port() || (*url->port() >= 1 && *url->port() <= 65535));
         const auto encore = normaliserAdresse(url->texte());
         exiger(encore.has_value() && *encore == *url);
-        exiger(Origine::depuis(*url).has_value());
+        // A typed address the engine would refuse, or read through IDNA, gets no origin.
+        exiger(Origine::depuis(*url).has_value() ==
+               hoteCanonique(url->hote(), url->hoteEstIPv6()).has_value());
     }
     return 0;
 }

@@ -242,7 +242,17 @@ std::optional<Url> Url::depuisMoteur(std::string_view texte) {
         const auto fin = texte.find_first_of("/?#", debut + 2);
         debut = fin == std::string_view::npos ? texte.size() : fin;
     }
-    std::string resultat(texte.substr(0, debut));
+    std::string resultat(texte.substr(0, scheme->size() + 1));
+    // A host may hold a few characters that RFC 3986 doesn't allow there but the engine leaves.
+    for (const char c : texte.substr(scheme->size() + 1, debut - scheme->size() - 1)) {
+        if (std::string_view("\"`{}").find(c) != std::string_view::npos) {
+            resultat += '%';
+            resultat += chiffreHex(static_cast<unsigned char>(c) >> 4);
+            resultat += chiffreHex(static_cast<unsigned char>(c));
+        } else {
+            resultat += c;
+        }
+    }
     bool dansFragment = false;
     for (std::size_t i = debut; i < texte.size(); ++i) {
         const char c = texte[i];

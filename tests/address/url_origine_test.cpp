@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 
+#include "address/hote.hpp"
 #include "address/origine.hpp"
 #include "address/url.hpp"
 
@@ -117,6 +120,10 @@ INSTANTIATE_TEST_SUITE_P(
                     CasOrigine{"https://intranet./", "https", "intranet.", 443},
                     CasOrigine{"https://u:p@h/x?y#z", "https", "h", 443},
                     CasOrigine{"http://[::1]:8080/", "http", "::1", 8080},
+                    CasOrigine{"http://127.0.0.%31/", "http", "127.0.0.1", 80},
+                    CasOrigine{"https://[0:0:0:0:0:0:0:1]/", "https", "::1", 443},
+                    CasOrigine{"http://1.2.3.256/", std::nullopt, "", 0},
+                    CasOrigine{"http://[v1.abc]/", std::nullopt, "", 0},
                     CasOrigine{"about:blank", std::nullopt, "", 0},
                     CasOrigine{"data:text/plain,x", std::nullopt, "", 0},
                     CasOrigine{"blob:https://h/1", std::nullopt, "", 0},
@@ -127,14 +134,55 @@ INSTANTIATE_TEST_SUITE_P(
                     CasOrigine{"pas une url", std::nullopt, "", 0}));
 
 TEST(Origine, EgaliteSurLesTroisChamps) {
-    const auto o = [](const char* u) { return *Origine::depuis(std::string_view(u)); };
+    const auto o = [](const char* u) { return Origine::depuis(std::string_view(u)).value(); };
     EXPECT_EQ(o("https://Intranet:443/a"), o("https://intranet/b"));
     EXPECT_NE(o("http://intranet:443"), o("https://intranet:443"));
     EXPECT_NE(o("http://intranet"), o("https://intranet"));
     EXPECT_NE(o("http://intranet:8080"), o("http://intranet"));
     EXPECT_NE(o("https://intranet./"), o("https://intranet/"));
     EXPECT_EQ(o("HTTPS://INTRANET"), o("https://intranet"));
+    EXPECT_EQ(o("http://127.1:8080/x"), o("http://127.0.0.1:8080/"));
+    EXPECT_EQ(o("http://[0:0:0:0:0:0:0:1]/"), o("http://[::1]/"));
 }
+
+// Each case: a host as written (an IPv6 literal in brackets), then the host as the engine
+// writes it; a host alone is one the engine refuses.
+class HoteCanonique : public testing::TestWithParam<const char*> {};
+TEST_P(HoteCanonique, CommeLeMoteurLEcrit) {
+    const std::string_view cas = GetParam();
+    const auto espace = std::min(cas.find(' '), cas.size());
+    const auto ecrit = cas.substr(0, espace);
+    const auto moteur =
+        espace < cas.size() ? std::optional(std::string(cas.substr(espace + 1))) : std::nullopt;
+    const bool ipv6 = ecrit.starts_with('[');
+    const auto hote = hoteCanonique(ipv6 ? ecrit.substr(1, ecrit.size() - 2) : ecrit, ipv6);
+    EXPECT_EQ(hote && ipv6 ? "[" + *hote + "]" : hote, moteur);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Espaces, HoteCanonique,
+    testing::Values("127.1 127.0.0.1", "0x7f.0.0.1 127.0.0.1", "2130706433 127.0.0.1",
+                    "127.0.0.%31 127.0.0.1", "127.0.0.1. 127.0.0.1", "1.2.3.256", "09.1.1.1",
+                    "Intra%4Eet. intranet.", "", "caf%C3%A9.example", "a%7Bb a{b",
+                    "[0:0:0:0:0:0:0:1] [::1]", "[1:0:0:2:0:0:0:3] [1:0:0:2::3]",
+                    "[1:0:0:2:0:0:3:4] [1::2:0:0:3:4]", "[0001:DB8::] [1:db8::]",
+                    "[1:2:3:4:5:6:7:0] [1:2:3:4:5:6:7:0]", "[::FFFF:192.0.2.1] [::ffff:c000:201]",
+                    "[::127.0.0.01]", "[v1.abc]", "[]"));
+
+// Hosts of http(s) inputs from the web-platform-tests URL suite, with the hostname it expects.
+INSTANTIATE_TEST_SUITE_P(
+    PlateformeWeb, HoteCanonique,
+    testing::Values("ExAmPlE.CoM example.com", "192.0x00A80001 192.168.0.1",
+                    "%30%78%63%30%2e%30%32%35%30.01%2e 192.168.0.1", "192.168.0.257",
+                    "192.168.257 192.168.1.1", "192.168.257.com 192.168.257.com",
+                    "999999999 59.154.201.255", "4294967296", "0xffffffff 255.255.255.255",
+                    "0xffffffff1", "0x.0x.0 0.0.0.0", "256.0.0.1", "0X7F.0.0.0X7G 0x7f.0.0.0x7g",
+                    "1.2.3.4.5.", "0..0x300", "1.2.3.08", "foo.0x4", "foo.09.. foo.09..",
+                    "0999999999999999999", "foo.0XFfFfFfFfFfFfFfFfFfAcE123", ".. ..", "%25",
+                    "hello%00", "example.com%80", "[1:0::] [1::]", "[::127.0.0.1] [::7f00:1]",
+                    "[0:0:0:0:0:0:13.1.68.3] [::d01:4403]", "[0:1:0:1:0:1:0:1] [0:1:0:1:0:1:0:1]",
+                    "[0:1:2:3:4:5:6:7:8]", "[0::0::0]", "[0:0:]", "[0:1.00.0.0.0]",
+                    "[0:1.290.0.0.0]", "[::1.2.3.4x]", "[:]"));
 
 }  // namespace
 }  // namespace brindex
