@@ -4,6 +4,7 @@
 #include <memory>
 #include <string_view>
 
+#include "address/texte.hpp"
 #include "brand/marque.hpp"
 
 namespace brindex {
@@ -19,41 +20,13 @@ constexpr const char* texteHorsLigne = "Votre connexion internet semble coupée.
 constexpr const char* texteCertificat = "Le certificat de sécurité du serveur n'est pas valide.";
 constexpr const char* texteInattendu = "Réponse inattendue du serveur.";
 
-// Strict UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
-bool estUtf8(std::string_view t) {
-    std::size_t i = 0;
-    while (i < t.size()) {
-        const auto o = static_cast<std::uint8_t>(t[i]);
-        std::size_t longueur;
-        std::uint32_t valeur;
-        if (o < 0x80) {
-            ++i;
-            continue;
-        } else if (o >= 0xC2 && o <= 0xDF) {
-            longueur = 2;
-            valeur = o & 0x1F;
-        } else if ((o & 0xF0) == 0xE0) {
-            longueur = 3;
-            valeur = o & 0x0F;
-        } else if (o >= 0xF0 && o <= 0xF4) {
-            longueur = 4;
-            valeur = o & 0x07;
-        } else {
-            return false;
-        }
-        if (i + longueur > t.size()) return false;
-        for (std::size_t k = 1; k < longueur; ++k) {
-            const auto suite = static_cast<std::uint8_t>(t[i + k]);
-            if ((suite & 0xC0) != 0x80) return false;
-            valeur = (valeur << 6) | (suite & 0x3F);
-        }
-        if ((longueur == 3 && (valeur < 0x800 || (valeur >= 0xD800 && valeur <= 0xDFFF))) ||
-            (longueur == 4 && (valeur < 0x10000 || valeur > 0x10FFFF))) {
-            return false;
-        }
-        i += longueur;
+// A body cut short may end inside a UTF-8 sequence: that tail doesn't make it invalid.
+bool estUtf8Lu(std::string_view corps, bool partiel) {
+    if (estUtf8(corps)) return true;
+    for (std::size_t retire = 1; partiel && retire <= 3 && retire <= corps.size(); ++retire) {
+        if (estUtf8(corps.substr(0, corps.size() - retire))) return true;
     }
-    return true;
+    return false;
 }
 
 }  // namespace
@@ -80,15 +53,17 @@ ResultatSonde trierEchange(const EchangeTermine& echange) {
             case -1204:
                 return ResultatSonde::injoignable(texteCertificat);
             default:
-                return ResultatSonde::injoignable(echange.erreur->description);
+                // The platform's wording, which may carry what a server sent.
+                return ResultatSonde::injoignable(extrait(echange.erreur->description, 300, 3));
         }
     }
     switch (echange.reponse) {
         case EchangeTermine::Reponse::http: {
             // A body that is not valid UTF-8 reads as empty text.
-            const std::string_view corps = echange.corps && estUtf8(*echange.corps)
-                                               ? std::string_view(*echange.corps)
-                                               : std::string_view();
+            const std::string_view corps =
+                echange.corps && estUtf8Lu(*echange.corps, echange.corpsPartiel)
+                    ? std::string_view(*echange.corps)
+                    : std::string_view();
             if (echange.statut == 200 && corps.find(marqueur) != std::string_view::npos) {
                 return ResultatSonde::ok();
             }
@@ -99,6 +74,10 @@ ResultatSonde trierEchange(const EchangeTermine& echange) {
             break;
     }
     return ResultatSonde::injoignable(texteInattendu);
+}
+
+bool lectureSuffisante(std::string_view corpsLu) {
+    return corpsLu.size() >= limiteCorpsSonde || corpsLu.find(marqueur) != std::string_view::npos;
 }
 
 void sonderEspace(TransportHttp& transport, const Url& espace,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -56,7 +57,18 @@ struct EchangeTermine {
     Reponse reponse = Reponse::aucune;
     int statut = 0;
     std::optional<std::string> corps;  // raw bytes
+    // Reading stopped before the end of the body (see lectureSuffisante).
+    bool corpsPartiel = false;
 };
+
+// The most of a probe's body that is ever read. A space answers its health address with a few
+// dozen bytes of JSON, the marker among them, and even a page that carries the marker does so
+// near its start; an endless or huge body then costs neither memory nor time.
+inline constexpr std::size_t limiteCorpsSonde = 64 * 1024;
+
+// Whether the transport may stop reading the body: the marker is in what was read, or the
+// limit is reached. Transports read no further than limiteCorpsSonde in any case.
+bool lectureSuffisante(std::string_view corpsLu);
 
 // Sorts a finished exchange into the probe's outcome, with the French text to show.
 ResultatSonde trierEchange(const EchangeTermine& echange);

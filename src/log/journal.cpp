@@ -1,7 +1,14 @@
 #include "log/journal.hpp"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
+
+#include "address/texte.hpp"
 
 namespace brindex::Journal {
 
@@ -55,19 +62,63 @@ std::string horodatage(std::chrono::system_clock::time_point moment) {
     return texte;
 }
 
+std::string messageSur(std::string_view message) {
+    std::string sur;
+    std::size_t i = 0;
+    while (i < message.size()) {
+        const auto octet = static_cast<unsigned char>(message[i]);
+        // A whole UTF-8 sequence is kept as it is; a control or a stray byte is escaped.
+        std::size_t longueur = 1;
+        if (octet >= 0x80) {
+            longueur = octet >= 0xF0 ? 4 : octet >= 0xE0 ? 3 : 2;
+            if (i + longueur > message.size() || !estUtf8(message.substr(i, longueur)))
+                longueur = 0;
+        } else if (octet < 0x20 || octet == 0x7F) {
+            longueur = 0;
+        }
+        const std::size_t place = longueur == 0 ? 4 : longueur;
+        if (sur.size() + place > longueurMessageMax) break;
+        if (longueur == 0) {
+            sur += "\\x";
+            sur += "0123456789ABCDEF"[octet >> 4];
+            sur += "0123456789ABCDEF"[octet & 0xF];
+            ++i;
+        } else {
+            sur.append(message.substr(i, longueur));
+            i += longueur;
+        }
+    }
+    if (i < message.size()) {
+        sur += "\u2026 [tronque, " + std::to_string(message.size()) + " octets]";
+    }
+    return sur;
+}
+
 void ecrire(std::string_view message) noexcept {
     try {
         if (cheminJournal().empty()) return;
         std::string ligne = horodatage(std::chrono::system_clock::now());
         ligne += ' ';
-        ligne += message;
+        ligne += messageSur(message);
         ligne += '\n';
         // Append mode: every write lands at the current end, even after another program wrote
-        // to the file; a missing file is created, an existing one is never truncated.
-        std::FILE* fichier = std::fopen(cheminJournal().c_str(), "ab");
-        if (!fichier) return;
-        std::fwrite(ligne.data(), 1, ligne.size(), fichier);
-        std::fclose(fichier);
+        // to the file; a missing file is created, an existing one is never truncated. Without
+        // O_NONBLOCK, opening a FIFO nobody reads would wait for a reader forever.
+        const int fichier =
+            ::open(cheminJournal().c_str(),
+                   O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0600);
+        if (fichier < 0) return;
+        struct stat etat {};
+        if (::fstat(fichier, &etat) == 0 && S_ISREG(etat.st_mode)) {
+            std::size_t ecrit = 0;
+            while (ecrit < ligne.size()) {
+                const auto n = ::write(fichier, ligne.data() + ecrit, ligne.size() - ecrit);
+                if (n < 0 && errno == EINTR) continue;
+                if (n <= 0) break;
+                ecrit += static_cast<std::size_t>(n);
+            }
+        }
+        ::close(fichier);
     } catch (...) {
         // The log never fails its caller: a line that can't be written is lost.
     }

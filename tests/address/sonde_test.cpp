@@ -18,9 +18,9 @@ const std::string silence =
 const std::string certificat = "Le certificat de sécurité du serveur n'est pas valide.";
 const std::string horsLigne = "Votre connexion internet semble coupée.";
 
-EchangeTermine erreur(std::int64_t code) {
+EchangeTermine erreur(std::int64_t code, std::string description = "description du système") {
     EchangeTermine e;
-    e.erreur = ErreurTransport{code, "description du système"};
+    e.erreur = ErreurTransport{code, std::move(description)};
     return e;
 }
 
@@ -97,6 +97,17 @@ INSTANTIATE_TEST_SUITE_P(
         CasTri{"surrogat", http(200, marqueur + "\xED\xA0\x80"), ResultatSonde::pasUnEspace()},
         CasTri{"utf-8 valide", http(200, "caf\xC3\xA9 " + marqueur + " \xF0\x9F\x93\x9A"),
                ResultatSonde::ok()},
+        CasTri{"lu en partie, coupe dans un caractere",
+               [] {
+                   auto e = http(200, marqueur + " caf\xC3");
+                   e.corpsPartiel = true;
+                   return e;
+               }(),
+               ResultatSonde::ok()},
+        CasTri{"lu en entier, coupe dans un caractere", http(200, marqueur + " caf\xC3"),
+               ResultatSonde::pasUnEspace()},
+        CasTri{"description sans fin", erreur(-1011, std::string(50000, 'r')),
+               ResultatSonde::injoignable(std::string(300, 'r') + "…")},
         CasTri{"aucune reponse", EchangeTermine{},
                ResultatSonde::injoignable("Réponse inattendue du serveur.")},
         CasTri{"reponse non http",
@@ -132,6 +143,13 @@ class TransportTest : public TransportHttp {
     std::vector<RequeteSonde> requetes;
     std::vector<std::function<void(EchangeTermine)>> fins;
 };
+
+TEST(LectureSuffisante, AuMarqueurOuALaLimite) {
+    EXPECT_FALSE(lectureSuffisante("{\"status\":\"up\",\"service\":\"brin"));
+    EXPECT_TRUE(lectureSuffisante(marqueur));
+    EXPECT_FALSE(lectureSuffisante(std::string(limiteCorpsSonde - 1, ' ')));
+    EXPECT_TRUE(lectureSuffisante(std::string(limiteCorpsSonde, ' ')));
+}
 
 TEST(SonderEspace, RappelleUneSeuleFoisAvecLeResultatTrie) {
     TransportTest transport;

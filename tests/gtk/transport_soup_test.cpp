@@ -40,6 +40,42 @@ class ServeurLocal {
             soup_server_message_set_redirect(message, 302, "/health");
         } else if (c == "/muet") {
             soup_server_message_pause(message);  // never answers
+        } else if (c.starts_with("/sans-fin")) {
+            // An endless body, written as fast as it is read; the marker first, or never.
+            soup_server_message_set_status(message, 200, nullptr);
+            soup_message_headers_set_encoding(soup_server_message_get_response_headers(message),
+                                              SOUP_ENCODING_CHUNKED);
+            const bool marqueur = c == "/sans-fin/marqueur";
+            soup_message_body_append(soup_server_message_get_response_body(message),
+                                     SOUP_MEMORY_COPY, marqueur ? R"({"service":"brindex"})" : "{",
+                                     marqueur ? 21 : 1);
+            g_signal_connect(message, "wrote-chunk", G_CALLBACK(+[](SoupServerMessage* m) {
+                                 static const std::string morceau(16 * 1024, ' ');
+                                 soup_message_body_append(soup_server_message_get_response_body(m),
+                                                          SOUP_MEMORY_STATIC, morceau.data(),
+                                                          morceau.size());
+                             }),
+                             nullptr);
+        } else if (c == "/goutte") {
+            // Headers at once, then one byte now and then, for ever.
+            soup_server_message_set_status(message, 200, nullptr);
+            soup_message_headers_set_encoding(soup_server_message_get_response_headers(message),
+                                              SOUP_ENCODING_CHUNKED);
+            const guint goutte = g_timeout_add_full(
+                G_PRIORITY_DEFAULT, 200,
+                +[](gpointer m) -> gboolean {
+                    auto* sm = SOUP_SERVER_MESSAGE(m);
+                    soup_message_body_append(soup_server_message_get_response_body(sm),
+                                             SOUP_MEMORY_STATIC, " ", 1);
+                    soup_server_message_unpause(sm);
+                    return G_SOURCE_CONTINUE;
+                },
+                g_object_ref(message), g_object_unref);
+            g_signal_connect(message, "disconnected",
+                             G_CALLBACK(+[](SoupServerMessage*, gpointer id) {
+                                 g_source_remove(GPOINTER_TO_UINT(id));
+                             }),
+                             GUINT_TO_POINTER(goutte));
         } else {
             const std::string corps = R"({"status":"up","service":"brindex"})";
             soup_server_message_set_status(message, 200, nullptr);
@@ -96,6 +132,25 @@ TEST(TransportSoup, PortFermeEtDelaiDepasse) {
 
     ServeurLocal serveur;
     recus = echanger(serveur.url("/muet"), 1);
+    ASSERT_EQ(recus.size(), 1u);
+    ASSERT_TRUE(recus[0].erreur);
+    EXPECT_EQ(recus[0].erreur->code, -1001);
+}
+
+TEST(TransportSoup, CorpsSansFinLuJusquAuMarqueurOuALaLimite) {
+    ServeurLocal serveur;
+    const gint64 debut = g_get_monotonic_time();
+    auto recus = echanger(serveur.url("/sans-fin/marqueur"));
+    ASSERT_EQ(recus.size(), 1u);
+    EXPECT_EQ(recus[0].statut, 200);
+    EXPECT_TRUE(recus[0].corpsPartiel);
+    EXPECT_LT(recus[0].corps->size(), limiteCorpsSonde);
+    recus = echanger(serveur.url("/sans-fin"));
+    ASSERT_EQ(recus.size(), 1u);
+    EXPECT_EQ(recus[0].corps->size(), limiteCorpsSonde);
+    EXPECT_LT(g_get_monotonic_time() - debut, 2 * G_USEC_PER_SEC);
+    // A body that never ends and never fills keeps to the delay.
+    recus = echanger(serveur.url("/goutte"), 1);
     ASSERT_EQ(recus.size(), 1u);
     ASSERT_TRUE(recus[0].erreur);
     EXPECT_EQ(recus[0].erreur->code, -1001);

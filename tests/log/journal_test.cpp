@@ -1,6 +1,7 @@
 #include "log/journal.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <filesystem>
@@ -65,10 +66,33 @@ TEST_F(JournalTest, AjouteAprèsUnAutreProgramme) {
     EXPECT_LT(autre, deux);
 }
 
-TEST_F(JournalTest, MessagesTelsQuels) {
+TEST_F(JournalTest, ChaqueMessageSurUneLigne) {
     Journal::ecrire("");
     Journal::ecrire("a\nb");
-    EXPECT_TRUE(std::regex_match(contenu(), std::regex(R"(\S+Z \n\S+Z a\nb\n)"))) << contenu();
+    EXPECT_TRUE(std::regex_match(contenu(), std::regex(R"(\S+Z \n\S+Z a\\x0Ab\n)"))) << contenu();
+}
+
+TEST(MessageSur, EchappeLesOctetsDeControleEtBorneLaLongueur) {
+    EXPECT_EQ(Journal::messageSur("navigation ECHEC Not Found\x1B[31m\a\r\x7F é\xFF\xC3"),
+              "navigation ECHEC Not Found\\x1B[31m\\x07\\x0D\\x7F é\\xFF\\xC3");
+    const std::string longue = "navigation OK https://h/" + std::string(10'000'000, 'a');
+    const std::string sur = Journal::messageSur(longue);
+    EXPECT_LE(sur.size(), Journal::longueurMessageMax + 40);
+    EXPECT_TRUE(sur.ends_with("a\xE2\x80\xA6 [tronque, 10000024 octets]")) << sur.substr(1900);
+    // Cut between characters and escapes, never inside one.
+    const std::string echappe = Journal::messageSur(std::string(3000, '\x01'));
+    EXPECT_EQ(echappe.rfind("\\x01\xE2\x80\xA6"), Journal::longueurMessageMax - 4);
+}
+
+TEST_F(JournalTest, RienQuUnFichierOrdinaireEtSansJamaisAttendre) {
+    // Nobody reads this FIFO: opening it to write would wait for ever.
+    ASSERT_EQ(mkfifo(fichier.c_str(), 0600), 0);
+    Journal::ecrire("perdue");
+    fs::remove(fichier);
+    fs::create_symlink(dossier / "vrai.log", fichier);
+    Journal::ecrire("suivie");
+    EXPECT_TRUE(fs::is_symlink(fichier));
+    EXPECT_NE(contenu().find(" suivie\n"), std::string::npos);
 }
 
 TEST_F(JournalTest, DossierAbsentPerdLaLigneSansErreur) {
