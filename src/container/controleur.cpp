@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "address/texte.hpp"
 #include "brand/adresse_stockee.hpp"
 #include "brand/marque.hpp"
 #include "container/echecs.hpp"
@@ -17,9 +18,19 @@ namespace {
 
 const std::string titreProduit(Marque::nom);
 
-Alerte alerteSimple(std::string message, std::string informatif) {
-    return Alerte{std::move(message), std::move(informatif), {"OK"}, std::nullopt, 260, 24};
+// The explanation may come from a page or a server: a dialog shows a bounded excerpt of it.
+Alerte alerteSimple(std::string message, std::string_view informatif) {
+    return Alerte{std::move(message),
+                  extrait(informatif, caracteresDialogueMax, lignesDialogueMax),
+                  {"OK"},
+                  std::nullopt,
+                  260,
+                  24};
 }
+
+constexpr const char* texteProcessus =
+    "La page de votre espace s'est arrêtée de façon inattendue, deux fois de suite. Réessayez ; "
+    "si cela se reproduit, contactez la personne qui administre votre espace.";
 
 }  // namespace
 
@@ -132,7 +143,8 @@ void Controleur::montrerConfiguration() {
 
 void Controleur::montrerErreur(const std::string& detail) {
     detruireWebView();
-    auto vue = std::make_shared<VueErreur>(detail);
+    auto vue =
+        std::make_shared<VueErreur>(extrait(detail, caracteresDialogueMax, lignesDialogueMax));
     std::weak_ptr<Controleur> faible = weak_from_this();
     vue->onReessayer = [faible] {
         if (const auto c = faible.lock()) {
@@ -147,7 +159,7 @@ void Controleur::montrerErreur(const std::string& detail) {
 
 void Controleur::detruireWebView() {
     if (!webView_) return;
-    originesWebView_.erase(webView_.get());
+    oublierVue(*webView_);
     webView_->arreter();
     webView_->detacher();
     webView_.reset();
@@ -176,6 +188,11 @@ void Controleur::progressionChange(VueWeb& vue) {
     fenetre_->progression(progression, barreVisible(progression));
 }
 
+void Controleur::oublierVue(const VueWeb& vue) {
+    originesWebView_.erase(&vue);
+    finsProcessus_.erase(&vue);
+}
+
 std::optional<Origine> Controleur::origineDe(const VueWeb& vue) const {
     const auto entree = originesWebView_.find(&vue);
     if (entree == originesWebView_.end()) return std::nullopt;
@@ -185,8 +202,12 @@ std::optional<Origine> Controleur::origineDe(const VueWeb& vue) const {
 // ---- Navigation policy ----
 
 Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action) {
-    const auto decision = brindex::deciderAction(action, origineDe(vue));
-    if (decision.urlAOuvrir) plateforme_.ouvrirUrl(*decision.urlAOuvrir);
+    const auto decision = brindex::deciderAction(
+        action, origineDe(vue), actionUtilisateurDisponible(action.gesteUtilisateur));
+    if (decision.urlAOuvrir) {
+        activation_.reset();
+        plateforme_.ouvrirUrl(*decision.urlAOuvrir);
+    }
     if (decision.ligneJournal) Journal::ecrire(*decision.ligneJournal);
     return decision.politique;
 }
@@ -223,13 +244,64 @@ void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
     }
 }
 
+void Controleur::processusTermine(VueWeb& vue, FinProcessus fin) {
+    Journal::ecrire(std::string("processus web ECHEC ") +
+                    (fin == FinProcessus::plantage ? "plantage " : "memoire ") +
+                    vue.url().value_or("?"));
+    const auto maintenant = plateforme_.maintenant();
+    const auto precedente = finsProcessus_.find(&vue);
+    const bool rechute = precedente != finsProcessus_.end() &&
+                         maintenant - precedente->second <= delaiRechuteProcessus;
+    finsProcessus_.insert_or_assign(&vue, maintenant);
+    if (!rechute) {
+        // Once: the page comes back in a new process.
+        vue.recharger();
+        return;
+    }
+    if (webView_ && &vue == webView_.get()) {
+        montrerErreur(texteProcessus);
+        return;
+    }
+    for (const auto& secondaire : fenetresSecondaires_) {
+        if (secondaire->webView().get() == &vue) {
+            secondaire->fenetre()->feuille(alerteSimple("Page inaccessible", texteProcessus));
+            return;
+        }
+    }
+}
+
+// ---- The user's own actions ----
+
+void Controleur::activationUtilisateur() {
+    activation_ = plateforme_.maintenant();
+    fenetresRefusees_ = 0;
+}
+
+bool Controleur::actionUtilisateurDisponible(std::optional<bool> geste) const {
+    if (geste && !*geste) return false;
+    return activation_ && plateforme_.maintenant() - *activation_ <= dureeActivation;
+}
+
 // ---- Secondary windows ----
 
 std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
                                                         const std::optional<std::string>& url,
+                                                        std::optional<bool> geste,
                                                         const ConfigurationMoteur& configuration) {
     const auto origineOuvreur = origineDe(ouvreur);
-    const auto decision = deciderFenetre(origineOuvreur, url);
+    const auto decision = deciderFenetre(origineOuvreur, url, actionUtilisateurDisponible(geste));
+    if (decision.refusee) {
+        // A page may ask thousands of times after one click: the log notes a few.
+        ++fenetresRefusees_;
+        if (fenetresRefusees_ <= fenetresRefuseesNotees) {
+            Journal::ecrire("nouvelle fenetre REFUSEE vers " +
+                            (url && !url->empty() ? *url : std::string("about:blank")));
+        } else if (fenetresRefusees_ == fenetresRefuseesNotees + 1) {
+            Journal::ecrire("nouvelle fenetre REFUSEE, les suivantes ne sont plus notees");
+        }
+        return nullptr;
+    }
+    if (decision.choix != DecisionFenetre::Choix::rien) activation_.reset();
     switch (decision.choix) {
         case DecisionFenetre::Choix::rien:
             return nullptr;
@@ -248,7 +320,7 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
     secondaire->onFermeture = [faible](FenetreSecondaire& fermee) {
         const auto c = faible.lock();
         if (!c) return;
-        c->originesWebView_.erase(fermee.webView().get());
+        c->oublierVue(*fermee.webView());
         auto& liste = c->fenetresSecondaires_;
         liste.erase(std::remove_if(liste.begin(), liste.end(),
                                    [&fermee](const auto& f) { return f.get() == &fermee; }),
@@ -272,7 +344,7 @@ void Controleur::fermerFenetresSecondaires() {
     // The list is emptied before anything closes, so no close callback sees it half walked.
     const auto prises = std::exchange(fenetresSecondaires_, {});
     for (const auto& secondaire : prises) {
-        originesWebView_.erase(secondaire->webView().get());
+        oublierVue(*secondaire->webView());
         secondaire->fermer();
     }
 }
@@ -403,10 +475,12 @@ void Controleur::saisieScript(const std::string& invite, const std::optional<std
                               std::function<void(std::optional<std::string>)> fin) {
     Alerte alerte = alerteSimple(titreProduit, invite);
     alerte.boutons.push_back("Annuler");
-    alerte.champ = defaut.value_or(std::string());
-    plateforme_.alerte(alerte, [fin = std::move(fin)](ReponseAlerte reponse) {
+    alerte.champ = extrait(defaut.value_or(std::string()), caracteresChampMax, caracteresChampMax);
+    plateforme_.alerte(alerte, [fin = std::move(fin), defaut](ReponseAlerte reponse) {
+        if (reponse.bouton != 0) return fin(std::nullopt);
+        // A field left as it was answers the page's own text, whatever the field could hold;
         // "OK" with an empty field answers the empty text, not nothing.
-        fin(reponse.bouton == 0 ? std::optional<std::string>(reponse.champ) : std::nullopt);
+        fin(reponse.champModifie ? reponse.champ : defaut.value_or(std::string()));
     });
 }
 
@@ -425,9 +499,20 @@ std::string Controleur::destinationTelechargement(std::shared_ptr<Telechargement
                                                   std::string_view nomSuggere) {
     const std::string dossier = dossierTelechargements(plateforme_.dossierTelechargements(),
                                                        plateforme_.dossierPersonnel());
-    std::string destination =
-        destinationUnique(dossier, nomSuggere,
-                          [this](const std::string& chemin) { return plateforme_.existe(chemin); });
+    // A name is taken by a file or folder, by the engine's working files for it, and by a
+    // download still running towards it.
+    const auto suffixes = plateforme_.suffixesTemporairesTelechargement();
+    std::size_t reserve = 0;
+    for (const auto& suffixe : suffixes) reserve = std::max(reserve, suffixe.size());
+    const auto pris = [&](const std::string& chemin) {
+        if (plateforme_.existe(chemin)) return true;
+        for (const auto& suffixe : suffixes) {
+            if (plateforme_.existe(chemin + suffixe)) return true;
+        }
+        return std::any_of(telechargements_.begin(), telechargements_.end(),
+                           [&](const auto& entree) { return entree.second.destination == chemin; });
+    };
+    std::string destination = destinationUnique(dossier, nomSuggere, pris, reserve);
     const Telechargement* cle = telechargement.get();
     telechargements_.insert_or_assign(cle,
                                       EntreeTelechargement{std::move(telechargement), destination});

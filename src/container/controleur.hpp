@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -79,11 +80,20 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     // ---- Load outcome ----
     void chargementTermine(VueWeb& vue);
     void traiterEchec(const ErreurChargement& erreur, VueWeb& vue);
+    // The web view's content process ended on its own (a crash, the system's memory limit).
+    void processusTermine(VueWeb& vue, FinProcessus fin);
+
+    // ---- The user's own actions ----
+    // A press of a mouse button or a key in one of the application's windows: it allows one
+    // thing to leave the application or one window to open, for a short while.
+    void activationUtilisateur();
 
     // ---- Secondary windows ----
     // A page asks for a new window; gives the new web view, or nothing.
+    // `geste`: the engine's own word on whether a user gesture asked for it, where it gives one.
     std::shared_ptr<VueWeb> creerVueWebDemandee(VueWeb& ouvreur,
                                                 const std::optional<std::string>& url,
+                                                std::optional<bool> geste,
                                                 const ConfigurationMoteur& configuration);
     // A page asked to close its own window.
     void fermetureDemandee(VueWeb& vue);
@@ -134,6 +144,9 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     explicit Controleur(Plateforme& plateforme) : plateforme_(plateforme) {}
     std::optional<Origine> origineDe(const VueWeb& vue) const;
     void ajusterZoom(double (*regle)(double));
+    // Whether an action of the user is there to be spent (and the engine doesn't deny it).
+    bool actionUtilisateurDisponible(std::optional<bool> geste) const;
+    void oublierVue(const VueWeb& vue);
 
     struct EntreeTelechargement {
         std::shared_ptr<Telechargement> telechargement;
@@ -147,6 +160,11 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     std::vector<std::shared_ptr<FenetreSecondaire>> fenetresSecondaires_;
     std::map<const VueWeb*, Origine> originesWebView_;
     bool principaleADejaCharge_ = false;
+    // The last action of the user not yet spent, and the windows refused since it came.
+    std::optional<std::chrono::steady_clock::time_point> activation_;
+    unsigned fenetresRefusees_ = 0;
+    // When each web view's content process last ended on its own.
+    std::map<const VueWeb*, std::chrono::steady_clock::time_point> finsProcessus_;
 };
 
 }  // namespace brindex

@@ -6,6 +6,8 @@ namespace brindex {
 
 namespace {
 
+const std::string ligneExterneRefusee = "navigation externe automatique REFUSEE vers ";
+
 DecisionAction etapeFinale(const ActionNavigation& action) {
     return {action.telechargementDemande ? Politique::telecharger : Politique::autoriser, {}, {}};
 }
@@ -13,15 +15,20 @@ DecisionAction etapeFinale(const ActionNavigation& action) {
 }  // namespace
 
 DecisionAction deciderAction(const ActionNavigation& action,
-                             const std::optional<Origine>& origineVue) {
+                             const std::optional<Origine>& origineVue, bool parUtilisateur) {
     if (!action.url) return {};
     const auto schemeBrut = schemeDe(*action.url);
     if (!schemeBrut) return {};
     const std::string scheme = enMinuscules(*schemeBrut);
 
+    const bool lienClique = action.type == TypeNavigation::lienActive && parUtilisateur;
     if (scheme == "mailto" || scheme == "tel") {
         DecisionAction decision;
-        if (action.type == TypeNavigation::lienActive) decision.urlAOuvrir = *action.url;
+        if (lienClique) {
+            decision.urlAOuvrir = *action.url;
+        } else if (action.type == TypeNavigation::lienActive) {
+            decision.ligneJournal = ligneExterneRefusee + *action.url;
+        }
         return decision;
     }
     if (scheme != "http" && scheme != "https") {
@@ -33,12 +40,8 @@ DecisionAction deciderAction(const ActionNavigation& action,
     const auto destination = Origine::depuis(*action.url);
     if (!destination || *destination == *origineVue) return etapeFinale(action);
 
-    if (action.type == TypeNavigation::lienActive) {
-        return {Politique::annuler, *action.url, {}};
-    }
-    return {Politique::annuler,
-            {},
-            "navigation externe automatique REFUSEE vers " + destination->host()};
+    if (lienClique) return {Politique::annuler, *action.url, {}};
+    return {Politique::annuler, {}, ligneExterneRefusee + destination->host()};
 }
 
 Politique deciderReponse(const ReponseNavigation& reponse) {
@@ -50,20 +53,21 @@ Politique deciderReponse(const ReponseNavigation& reponse) {
 }
 
 DecisionFenetre deciderFenetre(const std::optional<Origine>& origineOuvreur,
-                               const std::optional<std::string>& url) {
+                               const std::optional<std::string>& url, bool parUtilisateur) {
     using Choix = DecisionFenetre::Choix;
-    if (!origineOuvreur) return {};
+    DecisionFenetre decision;
+    if (!origineOuvreur) return decision;
     // An empty address is none: engines give one for window.open('').
-    if (!url || url->empty() || *url == "about:blank") return {Choix::ouvrir, {}};
-    if (const auto origine = Origine::depuis(*url); origine && *origine == *origineOuvreur) {
-        return {Choix::ouvrir, {}};
-    }
-    const auto scheme = schemeDe(*url);
-    if (scheme) {
+    if (!url || url->empty() || *url == "about:blank") {
+        decision.choix = Choix::ouvrir;
+    } else if (const auto origine = Origine::depuis(*url); origine && *origine == *origineOuvreur) {
+        decision.choix = Choix::ouvrir;
+    } else if (const auto scheme = schemeDe(*url)) {
         const std::string s = enMinuscules(*scheme);
-        if (s == "http" || s == "https") return {Choix::navigateur, *url};
+        if (s == "http" || s == "https") decision = {Choix::navigateur, *url, false};
     }
-    return {};
+    if (decision.choix != Choix::rien && !parUtilisateur) return {Choix::rien, {}, true};
+    return decision;
 }
 
 }  // namespace brindex

@@ -18,8 +18,10 @@ struct DecisionAction {
 // Keeps a web view on its recorded origin: clicked links elsewhere go to the default browser,
 // other navigations elsewhere are refused, mailto/tel go to their handlers, and every scheme
 // but http(s) is refused. `origineVue` is the origin the web view is held to, if any.
+// `parUtilisateur`: the user's own action started this navigation; only then may anything
+// leave the application (a script's click on a link is a link activation too).
 DecisionAction deciderAction(const ActionNavigation& action,
-                             const std::optional<Origine>& origineVue);
+                             const std::optional<Origine>& origineVue, bool parUtilisateur);
 
 // Attachments and what the view can't show become downloads; a response is never cancelled.
 Politique deciderReponse(const ReponseNavigation& reponse);
@@ -29,9 +31,13 @@ struct DecisionFenetre {
     enum class Choix { rien, ouvrir, navigateur };
     Choix choix = Choix::rien;
     std::optional<std::string> url;  // with `navigateur`
+    // A window refused because no action of the user asked for it.
+    bool refusee = false;
 };
 
+// `parUtilisateur`: an action of the user is there to be spent on this window; without one,
+// neither a window nor the default browser opens.
 DecisionFenetre deciderFenetre(const std::optional<Origine>& origineOuvreur,
-                               const std::optional<std::string>& url);
+                               const std::optional<std::string>& url, bool parUtilisateur);
 
 }  // namespace brindex

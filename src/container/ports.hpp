@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -30,6 +31,9 @@ struct ActionNavigation {
     TypeNavigation type = TypeNavigation::autre;
     CadreCible cible = CadreCible::principal;
     bool telechargementDemande = false;
+    // The engine's own word on whether a user gesture started the navigation, where the
+    // engine gives one; nothing where it doesn't.
+    std::optional<bool> gesteUtilisateur;
 };
 
 struct ReponseNavigation {
@@ -39,6 +43,9 @@ struct ReponseNavigation {
 };
 
 enum class Politique { annuler, autoriser, telecharger };
+
+// Why a web view's content process ended without being asked to.
+enum class FinProcessus { plantage, memoire };
 
 // A load failure in the URL-loading vocabulary: each platform maps its own errors onto
 // NSURLErrorDomain codes and WebKitErrorDomain/102, and keeps anything else as it is.
@@ -68,6 +75,8 @@ struct ReponseAlerte {
     // Index of the button that closed the alert, or aucunBouton when it was dismissed.
     std::size_t bouton = aucunBouton;
     std::string champ;
+    // The user changed the field's text.
+    bool champModifie = false;
 };
 
 struct DemandeFichiers {
@@ -188,6 +197,13 @@ class Plateforme {
     virtual std::optional<std::string> dossierTelechargements() = 0;
     virtual std::string dossierPersonnel() = 0;
     virtual bool existe(const std::string& chemin) = 0;
+    // What the download engine writes beside a destination while it works ("name" + suffix);
+    // such a file of the user's must not be overwritten either.
+    virtual std::vector<std::string> suffixesTemporairesTelechargement() const { return {}; }
+
+    virtual std::chrono::steady_clock::time_point maintenant() const {
+        return std::chrono::steady_clock::now();
+    }
 };
 
 }  // namespace brindex

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -28,5 +30,20 @@ inline double zoomNormal(double) {
 
 // Time-out of every load of the space, in seconds.
 inline constexpr double delaiChargement = 60.0;
+
+// One press of a mouse button or a key allows one opening (the default browser, a mail or
+// telephone handler, a new window) for this long; web pages' own transient activation lasts
+// about as long, so a page may open its login window once its server has answered.
+inline constexpr std::chrono::seconds dureeActivation{5};
+// Windows refused after one action of the user that still get a log line each.
+inline constexpr unsigned fenetresRefuseesNotees = 20;
+// A content process that ends again this soon after the previous end is not reloaded again.
+inline constexpr std::chrono::seconds delaiRechuteProcessus{30};
+
+// What a native dialog shows of a text a page or a server chose.
+inline constexpr std::size_t caracteresDialogueMax = 1000;
+inline constexpr std::size_t lignesDialogueMax = 25;
+// What a prompt's field shows of the page's default text.
+inline constexpr std::size_t caracteresChampMax = 10000;
 
 }  // namespace brindex

@@ -1,5 +1,9 @@
 #include "container/telechargements.hpp"
 
+#include "address/texte.hpp"
+
+#include <algorithm>
+
 namespace brindex {
 
 namespace {
@@ -44,23 +48,31 @@ std::string dossierTelechargements(const std::optional<std::string>& systeme,
 }
 
 std::string destinationUnique(const std::string& dossier, std::string_view suggere,
-                              const std::function<bool(const std::string&)>& existe) {
+                              const std::function<bool(const std::string&)>& existe,
+                              std::size_t reserve) {
     const std::string nom = nomDeFichierSur(suggere);
-    std::string candidat = joindre(dossier, nom);
-    if (!existe(candidat)) return candidat;
+    const std::size_t place = longueurNomFichierMax -
+                              std::min(reserve, longueurNomFichierMax - longueurNomFichierMax / 2);
 
-    // A leading dot starts a hidden name, not an extension.
+    // A leading dot starts a hidden name, not an extension; an "extension" that leaves no room
+    // for a stem is part of the name.
     const auto point = nom.find_last_of('.');
-    const bool avecExtension = point != std::string::npos && point != 0 && point + 1 < nom.size();
+    const bool avecExtension = point != std::string::npos && point != 0 && point + 1 < nom.size() &&
+                               nom.size() - point + 16 <= place;
     const std::string souche = avecExtension ? nom.substr(0, point) : nom;
-    const std::string extension = avecExtension ? nom.substr(point + 1) : std::string();
+    const std::string extension = avecExtension ? nom.substr(point) : std::string();
 
-    for (unsigned long long compteur = 2;; ++compteur) {
-        std::string variante = souche + " (" + std::to_string(compteur) + ")";
-        if (!extension.empty()) variante += "." + extension;
-        candidat = joindre(dossier, variante);
-        if (!existe(candidat)) return candidat;
+    // The stem, cut so that stem + mark + extension fits.
+    const auto candidat = [&](const std::string& marque) {
+        const std::size_t pourSouche = place - extension.size() - marque.size();
+        return joindre(dossier,
+                       souche.substr(0, coupureUtf8(souche, pourSouche)) + marque + extension);
+    };
+    std::string chemin = candidat("");
+    for (unsigned long long compteur = 2; existe(chemin); ++compteur) {
+        chemin = candidat(" (" + std::to_string(compteur) + ")");
     }
+    return chemin;
 }
 
 }  // namespace brindex

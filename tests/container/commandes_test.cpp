@@ -123,8 +123,8 @@ TEST_F(ControleurTest, DialoguesDePage) {
 
     std::vector<std::optional<std::string>> saisies;
     p.reponsesAlertes.push_back({0, ""});
-    p.reponsesAlertes.push_back({1, "tapé"});
-    p.reponsesAlertes.push_back({0, "réponse"});
+    p.reponsesAlertes.push_back({1, "tapé", true});
+    p.reponsesAlertes.push_back({0, "réponse", true});
     controleur->saisieScript("Nom ?", std::nullopt, [&](auto r) { saisies.push_back(r); });
     EXPECT_EQ(p.alertes.back().champ, "");
     controleur->saisieScript("Nom ?", "Marie", [&](auto r) { saisies.push_back(r); });
@@ -133,6 +133,25 @@ TEST_F(ControleurTest, DialoguesDePage) {
     EXPECT_EQ(p.alertes.back().hauteurChamp, 24);
     controleur->saisieScript("Nom ?", "Marie", [&](auto r) { saisies.push_back(r); });
     EXPECT_EQ(saisies, (std::vector<std::optional<std::string>>{"", std::nullopt, "réponse"}));
+}
+
+TEST_F(ControleurTest, LesTextesDesPagesSontBornesDansLesDialogues) {
+    const std::string mot(70000, 'x');
+    controleur->alerteScript(mot + "\n" + std::string(40, '\n') + "fin", [] {});
+    const std::string& montre = p.alertes.back().informatif;
+    EXPECT_EQ(montre, std::string(caracteresDialogueMax, 'x') + "…");
+    controleur->alerteScript(std::string(100, 'a') + std::string(40, '\n') + "fin", [] {});
+    EXPECT_EQ(p.alertes.back().informatif,
+              std::string(100, 'a') + std::string(lignesDialogueMax - 1, '\n') + "…");
+    controleur->telechargementEchoue(*std::make_shared<TelechargementTest>(), mot);
+    EXPECT_EQ(p.alertes.back().informatif.size(), caracteresDialogueMax + 3);
+
+    // A prompt's field shows an excerpt; left as it is, the page gets its whole text back.
+    std::optional<std::string> saisie;
+    p.reponsesAlertes.push_back({0, "coupé par le champ", false});
+    controleur->saisieScript("Jeton ?", mot, [&](auto r) { saisie = r; });
+    EXPECT_EQ(p.alertes.back().champ->size(), caracteresChampMax + 3);
+    EXPECT_EQ(saisie, mot);
 }
 
 TEST_F(ControleurTest, ChoixDeFichiers) {

@@ -8,6 +8,7 @@
 
 #include "address/normalisation.hpp"
 #include "container/controleur.hpp"
+#include "container/regles.hpp"
 #include "log/journal.hpp"
 #include "support/plateforme_test.hpp"
 
@@ -41,9 +42,10 @@ class ControleurTest : public testing::Test {
         controleur->chargementTermine(principale());
         return principale();
     }
-    // A page of `ouvreur` opens a window on `url`.
+    // A page of `ouvreur` opens a window on `url` when the user clicks.
     std::shared_ptr<VueWeb> popup(VueWeb& ouvreur, std::optional<std::string> url) {
-        return controleur->creerVueWebDemandee(ouvreur, url, configuration);
+        controleur->activationUtilisateur();
+        return controleur->creerVueWebDemandee(ouvreur, url, std::nullopt, configuration);
     }
     std::vector<std::string> lignesJournal() const {
         std::ifstream f(dossier / "Brindex.log");

@@ -121,5 +121,27 @@ TEST_F(ControleurTest, ChargementTermineSansUrl) {
     EXPECT_EQ(lignesJournal().back(), "navigation OK ?");
 }
 
+TEST_F(ControleurTest, UnProcessusWebMortRechargeUneFoisPuisExplique) {
+    auto& vue = espaceCharge();
+    auto& pop = static_cast<VueWebTest&>(*popup(vue, std::nullopt));
+    controleur->processusTermine(vue, FinProcessus::plantage);
+    EXPECT_EQ(vue.actions, std::vector<std::string>{"recharger"});
+    EXPECT_EQ(lignesJournal().back(), "processus web ECHEC plantage https://espace.example/wiki");
+    p.horloge += delaiRechuteProcessus + std::chrono::seconds(1);
+    controleur->processusTermine(vue, FinProcessus::memoire);
+    EXPECT_EQ(vue.actions.size(), 2u) << "long after the last one: reloaded again";
+    EXPECT_EQ(fenetre().ecran, Ecran::espace);
+    p.horloge += std::chrono::seconds(5);
+    controleur->processusTermine(vue, FinProcessus::plantage);
+    EXPECT_EQ(fenetre().ecran, Ecran::erreur);
+    EXPECT_EQ(fenetre().erreur->detail().rfind("La page de votre espace s'est arrêtée", 0), 0u);
+    // A popup's page dies twice: its window says so and stays.
+    controleur->processusTermine(pop, FinProcessus::plantage);
+    controleur->processusTermine(pop, FinProcessus::plantage);
+    EXPECT_EQ(pop.actions, std::vector<std::string>{"recharger"});
+    ASSERT_EQ(p.secondaires.at(0)->feuilles.size(), 1u);
+    EXPECT_EQ(p.secondaires.at(0)->feuilles[0].message, "Page inaccessible");
+}
+
 }  // namespace
 }  // namespace brindex::test

@@ -29,6 +29,28 @@ TEST_F(ControleurTest, RegleDOuverture) {
     EXPECT_FALSE(popup(sansOrigine, std::nullopt));
 }
 
+TEST_F(ControleurTest, UneActionDeLUtilisateurOuvreUneSeuleFenetre) {
+    auto& vue = espaceCharge("https://espace.example/");
+    const auto demander = [&](std::optional<std::string> url, std::optional<bool> geste = {}) {
+        return controleur->creerVueWebDemandee(vue, url, geste, configuration) != nullptr;
+    };
+    EXPECT_FALSE(demander("https://espace.example/p")) << "no action of the user";
+    EXPECT_FALSE(demander("https://ailleurs.example/"));
+    controleur->activationUtilisateur();
+    EXPECT_FALSE(demander("https://espace.example/p", false)) << "the engine saw no gesture";
+    int ouvertes = 0;
+    for (int i = 0; i < 300; ++i) ouvertes += demander("https://espace.example/p", true);
+    EXPECT_EQ(ouvertes, 1);
+    EXPECT_TRUE(p.urlsOuvertes.empty());
+    const auto lignes = lignesJournal();
+    EXPECT_EQ(lignes.size(), 3 + fenetresRefuseesNotees + 1);
+    EXPECT_EQ(lignes.back(), "nouvelle fenetre REFUSEE, les suivantes ne sont plus notees");
+    EXPECT_EQ(lignes.at(1), "nouvelle fenetre REFUSEE vers https://espace.example/p");
+    // The next click opens the next one.
+    controleur->activationUtilisateur();
+    EXPECT_TRUE(demander(std::nullopt));
+}
+
 TEST_F(ControleurTest, FenetreSecondaireTenueALOrigineDeLOuvreur) {
     auto& vue = espaceCharge("https://espace.example/");
     auto pop = popup(vue, "about:blank");
@@ -46,7 +68,7 @@ TEST_F(ControleurTest, FenetreSecondaireTenueALOrigineDeLOuvreur) {
     EXPECT_EQ(controleur->originesWebView().at(pop.get()), controleur->originesWebView().at(&vue));
     // The popup's later trip elsewhere is an external navigation.
     EXPECT_EQ(controleur->deciderAction(*pop, {"https://ailleurs.example/", TypeNavigation::autre,
-                                               CadreCible::principal, false}),
+                                               CadreCible::principal, false, {}}),
               Politique::annuler);
     EXPECT_EQ(lignesJournal().back(),
               "navigation externe automatique REFUSEE vers ailleurs.example");

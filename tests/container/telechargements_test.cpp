@@ -1,4 +1,5 @@
 #include "container/controleur_fixture.hpp"
+#include "container/telechargements.hpp"
 
 namespace brindex::test {
 namespace {
@@ -15,9 +16,11 @@ class Telechargements : public ControleurTest {
         p.telechargements = dossierTelechargements.string();
     }
     void creer(const std::string& nom) { std::ofstream(dossierTelechargements / nom) << "x"; }
+    // The destination a download of that name gets, once the previous ones have ended.
     std::string destination(const std::string& suggere) {
-        const auto d =
-            controleur->destinationTelechargement(std::make_shared<TelechargementTest>(), suggere);
+        const auto t = std::make_shared<TelechargementTest>();
+        const auto d = controleur->destinationTelechargement(t, suggere);
+        controleur->telechargementTermine(*t);
         EXPECT_EQ(fs::path(d).parent_path(), dossierTelechargements) << suggere;
         return fs::path(d).filename().string();
     }
@@ -37,6 +40,31 @@ TEST_F(Telechargements, NomsUniquesSurLeVraiSystemeDeFichiers) {
     EXPECT_EQ(destination("archive.tar.gz"), "archive.tar (2).gz");
     fs::create_directories(dossierTelechargements / "photos.zip");
     EXPECT_EQ(destination("photos.zip"), "photos (2).zip") << "a folder counts as taken";
+}
+
+TEST_F(Telechargements, EnCoursEtFichiersDeTravailDuMoteurPrennentLeNom) {
+    p.suffixesTemporaires = {".wkdownload", ".wkdownload~"};
+    std::vector<std::string> noms;
+    for (int i = 0; i < 3; ++i) {
+        const auto d = controleur->destinationTelechargement(std::make_shared<TelechargementTest>(),
+                                                             "note.txt");
+        noms.push_back(fs::path(d).filename().string());
+    }
+    EXPECT_EQ(noms, (std::vector<std::string>{"note.txt", "note (2).txt", "note (3).txt"}));
+    creer("lisez.txt.wkdownload~");
+    EXPECT_EQ(destination("lisez.txt"), "lisez (2).txt");
+
+    // Too long once the engine adds its suffix: the stem is cut on a character boundary.
+    std::string e;
+    for (int i = 0; i < 240; ++i) e += "é";
+    const auto premier = destination(e + ".pdf");
+    EXPECT_EQ(premier.size(), 238 + 4u);
+    EXPECT_TRUE(premier.ends_with("é.pdf"));
+    EXPECT_TRUE(std::ofstream(dossierTelechargements / (premier + ".wkdownload~")) << "x");
+    creer(premier);
+    const auto second = destination(e + ".pdf");
+    EXPECT_TRUE(second.ends_with("é (2).pdf")) << second;
+    EXPECT_LE(second.size() + 12, longueurNomFichierMax);
 }
 
 TEST_F(Telechargements, NomsHostilesRestentDansLeDossier) {

@@ -1,11 +1,18 @@
 // End-to-end scenarios of the Linux application: the real GTK windows and WebKitGTK views,
 // against the local test space, in a throw-away profile (see scenario.py).
 
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <set>
+#include <sstream>
 
+#include "log/journal.hpp"
 #include "pilote.hpp"
 #include "reglages_gtk.hpp"
 
@@ -178,10 +185,10 @@ void delaiDepasse(ApplicationGtk& app) {
 
 void lienExterne(ApplicationGtk& app) {
     WebKitWebView* vue = attendreEspace(app, espace());
-    script(vue, "document.getElementById('lien-externe').click(); 'ok'");
+    cliquerDans(vue, "#lien-externe");
     attendreOuvert([](const std::string& o) { return o == "https://www.brindex.example/"; },
                    "le lien externe remis au navigateur par défaut");
-    script(vue, "document.getElementById('lien-courriel').click(); 'ok'");
+    cliquerDans(vue, "#lien-courriel");
     attendreOuvert([](const std::string& o) { return o.rfind("mailto:", 0) == 0; },
                    "le lien mailto remis à la messagerie");
     patienter(0.5);
@@ -204,7 +211,7 @@ void redirectionScript(ApplicationGtk& app) {
 
 void popup(ApplicationGtk& app) {
     WebKitWebView* vue = attendreEspace(app, espace());
-    script(vue, "document.getElementById('ouvrir-fenetre').click(); 'ok'");
+    cliquerDans(vue, "#ouvrir-fenetre");
     attendre([&] { return fenetresVisibles(app).size() == 2; }, 20, "fenêtre secondaire");
     verifier(app.controleur()->fenetresSecondaires().size() == 1, "une fenêtre secondaire");
     GtkWindow* secondaire = nullptr;
@@ -226,7 +233,7 @@ void popup(ApplicationGtk& app) {
     attendre([&] { return liberee; }, 10, "la vue de la fenêtre fermée est libérée");
 
     // A blank window that the page writes into is held to the page's origin.
-    script(vue, "document.getElementById('ouvrir-vierge').click(); 'ok'");
+    cliquerDans(vue, "#ouvrir-vierge");
     attendre([&] { return fenetresVisibles(app).size() == 2; }, 20, "fenêtre vierge");
     verifier(app.controleur()->originesWebView().size() == 2, "tenue à l'origine de l'ouvreur");
 
@@ -306,6 +313,150 @@ void dialogues(ApplicationGtk& app) {
     verifier(reponsePage(app, vue) == "null", "prompt annulé → null");
 }
 
+// ---- Hostile pages and servers ----
+
+std::size_t compter(const std::string& texte, const std::string& morceau) {
+    std::size_t n = 0;
+    for (auto i = texte.find(morceau); i != std::string::npos; i = texte.find(morceau, i + 1)) ++n;
+    return n;
+}
+
+double secondesDepuis(gint64 debut) {
+    return static_cast<double>(g_get_monotonic_time() - debut) / G_USEC_PER_SEC;
+}
+
+void pageHostile(ApplicationGtk& app) {
+    WebKitWebView* vue = attendreEspace(app, espace());
+    GtkWindow* principale = app.plateforme()->fenetrePrincipale()->fenetre();
+
+    // An "unsaved changes" page: a click in it, then Ctrl+R reloads it, and nothing breaks.
+    const std::string brouillon = "navigation OK " + espace() + "hostile/quitter";
+    script(vue, "location.href = '/hostile/quitter'; 'ok'");
+    attendreJournal(brouillon);
+    cliquerDans(vue, "#texte");
+    touches(principale, "ctrl+r");
+    attendre([&] { return compter(journal(), brouillon) == 2; }, 10, "page rechargée");
+
+    // Clicks a script makes on links elsewhere launch nothing, and are noted.
+    script(vue, "location.href = '/hostile/clics'; 'ok'");
+    attendreJournal("navigation externe automatique REFUSEE vers mailto:x@brindex.example");
+    verifier(compter(journal(), "REFUSEE vers www.brindex.example") == 4, journal());
+    verifier(ouverts().empty(), "rien n'est lancé");
+
+    // One click on a page that opens 300 windows: one window.
+    cliquerDans(vue, "#flot");
+    attendreJournal("nouvelle fenetre REFUSEE, les suivantes ne sont plus notees");
+    attendre([&] { return fenetresVisibles(app).size() == 2; }, 10, "une fenêtre");
+    patienter(0.5);
+    verifier(
+        fenetresVisibles(app).size() == 2 && app.controleur()->fenetresSecondaires().size() == 1,
+        "une seule fenêtre secondaire");
+    app.controleur()->fermerFenetresSecondaires();
+
+    // One unbroken word of 64 KiB in an alert: shown at once, as an excerpt.
+    gint64 debut = g_get_monotonic_time();
+    GtkWidget* f = ouvrirDialogue(app, vue, "(alert('x'.repeat(65536)), 'vu')");
+    verifier(secondesDepuis(debut) < 3,
+             "alerte montrée en " + std::to_string(secondesDepuis(debut)));
+    verifier(texte(chercher(f, "texte-alerte")) == std::string(1000, 'x') + "…", "extrait");
+    touches(GTK_WINDOW(f), "Return");
+    verifier(reponsePage(app, vue) == "\"vu\"", "alerte fermée par Entrée");
+
+    // A prompt's default text beyond what the field holds comes back whole.
+    f = ouvrirDialogue(app, vue, "prompt('Jeton ?', 'j'.repeat(100000)).length");
+    touches(GTK_WINDOW(f), "Return");
+    verifier(reponsePage(app, vue) == "100000", "texte par défaut rendu entier");
+}
+
+void telechargementsHostiles(ApplicationGtk& app) {
+    const fs::path dossier = variable("BRINDEX_E2E_TELECHARGEMENTS");
+    // A file of the user's named like the engine's working file for "note.txt".
+    std::ofstream(dossier / "note.txt.wkdownload") << "à moi";
+    WebKitWebView* vue = attendreEspace(app, espace());
+
+    // Five downloads of one name at once: five files, each its own.
+    script(vue,
+           "for (let i = 1; i <= 5; i++) { const f = document.createElement('iframe');"
+           " f.src = '/hostile/note?lent=1&i=' + i; document.body.append(f); } 'ok'");
+    attendre([&] { return compter(journal(), "telechargement ") == 5; }, 20,
+             "cinq téléchargements");
+    std::set<std::string> contenus;
+    for (int i = 2; i <= 6; ++i) {
+        const std::string nom = "note (" + std::to_string(i) + ").txt";
+        verifier(contient(journal(), "telechargement OK " + nom), journal());
+        contenus.insert(lireFichier((dossier / nom).string()));
+    }
+    verifier(contenus.size() == 5, "cinq contenus différents");
+    verifier(lireFichier((dossier / "note.txt.wkdownload").string()) == "à moi", "fichier intact");
+
+    // A name too long once the engine's suffix is added is shortened, and saved.
+    std::string nom;
+    for (int i = 0; i < 125; ++i) nom += "é";
+    script(vue, "location.href = '/hostile/note?nom=" + nom + ".txt'; 'ok'");
+    attendre([&] { return compter(journal(), "telechargement OK ") == 6; }, 10, "nom long");
+    verifier(!contient(journal(), "ECHEC"), journal());
+
+    // A failure whose reason is 20,000 characters with control bytes: a bounded alert, at once,
+    // and one clean log line.
+    const gint64 debut = g_get_monotonic_time();
+    webkit_web_view_download_uri(vue, (espace() + "hostile/echec?long=20000").c_str());
+    GtkWidget* ok = exiger(app, "bouton-0");
+    verifier(secondesDepuis(debut) < 5, "alerte en " + std::to_string(secondesDepuis(debut)));
+    GtkWidget* f = GTK_WIDGET(gtk_widget_get_root(ok));
+    verifier(texte(chercher(f, "titre-alerte")) == "Téléchargement impossible", "titre");
+    verifier(texte(chercher(f, "texte-alerte")).size() <= 1003 + 3, "extrait");
+    const auto echec = lignes(Journal::chemin()).back();
+    verifier(
+        contient(echec, "telechargement ECHEC") && echec.size() < 2100 && !contient(echec, "\x1b"),
+        echec);
+    touches(GTK_WINDOW(f), "Return");
+}
+
+// The web content process of the page, a descendant of this process.
+int processusWeb() {
+    for (const auto& entree : fs::directory_iterator("/proc")) {
+        const std::string pid = entree.path().filename();
+        if (pid.find_first_not_of("0123456789") != std::string::npos) continue;
+        if (!contient(lireFichier("/proc/" + pid + "/comm"), "WebKitWebProces")) continue;
+        for (std::string p = pid; !p.empty() && p != "1";) {
+            if (p == std::to_string(getpid())) return std::stoi(pid);
+            const std::string stat = lireFichier("/proc/" + p + "/stat");
+            const auto apres = stat.rfind(')');
+            if (apres == std::string::npos) break;
+            std::istringstream champs(stat.substr(apres + 2));
+            std::string etat;
+            champs >> etat >> p;
+        }
+    }
+    return 0;
+}
+
+// A space stored as the user typed it, in a form the engine writes differently; then its web
+// process dies, twice.
+void processusWebMort(ApplicationGtk& app) {
+    attendreEspace(app, espace());
+    verifier(!contient(journal(), "REFUSEE"), journal());
+    int pid = processusWeb();
+    verifier(pid > 0, "processus web introuvable");
+    kill(pid, SIGKILL);
+    attendreJournal("processus web ECHEC plantage");
+    attendre([&] { return compter(journal(), "navigation OK " + espace()) == 2; }, 20,
+             "page rechargée");
+    pid = processusWeb();
+    verifier(pid > 0, "nouveau processus web introuvable");
+    kill(pid, SIGKILL);
+    GtkWidget* explication = exiger(app, "explication");
+    verifier(contient(texte(explication), "s'est arrêtée de façon inattendue"), texte(explication));
+}
+
+// The log's place holds a FIFO nobody reads: the application starts all the same.
+void journalFifo(ApplicationGtk& app) {
+    WebKitWebView* vue = nullptr;
+    attendre([&] { return (vue = vueWebPrincipale(app)) != nullptr; }, 20, "l'espace");
+    attendre([&] { return !webkit_web_view_is_loading(vue); }, 20, "chargement");
+    verifier(webkit_web_view_get_uri(vue) == espace(), "la page de l'espace");
+}
+
 struct Scenario {
     std::function<void()> avant;
     std::function<void(ApplicationGtk&)> deroulement;
@@ -323,6 +474,22 @@ const std::map<std::string, Scenario>& scenarios() {
         {"popup", {[] { stockerAdresse(espace()); }, popup}},
         {"telechargement", {[] { stockerAdresse(espace()); }, telechargement}},
         {"dialogues", {[] { stockerAdresse(espace()); }, dialogues}},
+        {"page-hostile", {[] { stockerAdresse(espace()); }, pageHostile}},
+        {"telechargements-hostiles", {[] { stockerAdresse(espace()); }, telechargementsHostiles}},
+        {"processus-web",
+         {[] {
+              const std::string e = espace();
+              stockerAdresse("http://0x7f.1" + e.substr(e.rfind(':')));
+          },
+          processusWebMort}},
+        {"journal-fifo",
+         {[] {
+              stockerAdresse(espace());
+              const fs::path etat = fs::path(variable("XDG_STATE_HOME")) / "brindex";
+              fs::create_directories(etat);
+              verifier(mkfifo((etat / "Brindex.log").c_str(), 0600) == 0, "mkfifo");
+          },
+          journalFifo}},
     };
     return tous;
 }

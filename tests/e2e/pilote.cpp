@@ -12,6 +12,8 @@
 #include <iostream>
 #include <sstream>
 
+#include <gdk/x11/gdkx.h>
+
 #include "log/journal.hpp"
 
 namespace brindex::e2e {
@@ -128,6 +130,61 @@ std::string script(WebKitWebView* vue, const std::string& source) {
     attendre([&] { return resultat.fini; }, 20, "script " + source);
     if (!resultat.erreur.empty()) echouer("script " + source + " : " + resultat.erreur);
     return resultat.texte;
+}
+
+namespace {
+
+void xdotool(const std::string& arguments) {
+    gchar* sortie = nullptr;
+    gint statut = 0;
+    const std::string commande = "xdotool " + arguments;
+    if (!g_spawn_command_line_sync(commande.c_str(), nullptr, &sortie, &statut, nullptr) ||
+        !g_spawn_check_wait_status(statut, nullptr)) {
+        g_free(sortie);
+        echouer("xdotool impossible : " + commande);
+    }
+    g_free(sortie);
+}
+
+// A point of a widget, in its window's X coordinates.
+void cliquerA(GtkWidget* widget, double x, double y) {
+    GtkNative* native = gtk_widget_get_native(widget);
+    verifier(native != nullptr, "widget sans fenêtre");
+    graphene_point_t dans{};
+    const graphene_point_t point =
+        GRAPHENE_POINT_INIT(static_cast<float>(x), static_cast<float>(y));
+    verifier(gtk_widget_compute_point(widget, GTK_WIDGET(native), &point, &dans), "point");
+    double dx = 0;
+    double dy = 0;
+    gtk_native_get_surface_transform(native, &dx, &dy);
+    const auto xid = gdk_x11_surface_get_xid(gtk_native_get_surface(native));
+    xdotool("mousemove --sync --window " + std::to_string(xid) + " " +
+            std::to_string(static_cast<int>(dans.x + dx)) + " " +
+            std::to_string(static_cast<int>(dans.y + dy)) + " click 1");
+    patienter(0.05);
+}
+
+}  // namespace
+
+void cliquerDans(WebKitWebView* vue, const std::string& selecteur) {
+    const std::string centre = script(
+        vue, "(() => { const r = document.querySelector('" + selecteur +
+                 "').getBoundingClientRect(); return (r.left + r.width / 2) + ' ' + (r.top + "
+                 "r.height / 2); })()");
+    const auto espace = centre.find(' ');
+    cliquerA(GTK_WIDGET(vue), std::stod(centre.substr(0, espace)),
+             std::stod(centre.substr(espace + 1)));
+}
+
+void cliquerWidget(GtkWidget* widget) {
+    verifier(widget != nullptr, "widget introuvable");
+    cliquerA(widget, gtk_widget_get_width(widget) / 2.0, gtk_widget_get_height(widget) / 2.0);
+}
+
+void touches(GtkWindow* fenetre, const std::string& combinaison) {
+    const auto xid = gdk_x11_surface_get_xid(gtk_native_get_surface(GTK_NATIVE(fenetre)));
+    xdotool("windowfocus --sync " + std::to_string(xid) + " key --clearmodifiers " + combinaison);
+    patienter(0.05);
 }
 
 void capturer(const std::string& nom) {

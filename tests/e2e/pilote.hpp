@@ -43,6 +43,13 @@ void cliquer(GtkWidget* bouton);
 WebKitWebView* vueWebPrincipale(gtk::ApplicationGtk& application);
 // Runs a script in a page and gives its result as text.
 std::string script(WebKitWebView* vue, const std::string& source);
+// A real click (through the X server, as a user's) in the middle of the page's element.
+void cliquerDans(WebKitWebView* vue, const std::string& selecteur);
+// A real click in the middle of a widget.
+void cliquerWidget(GtkWidget* widget);
+// Real key presses into the window that has the focus, in xdotool's words ("Return",
+// "ctrl+r").
+void touches(GtkWindow* fenetre, const std::string& combinaison);
 // A screenshot of the screen into the folder named by BRINDEX_E2E_CAPTURES, if set.
 void capturer(const std::string& nom);
 

@@ -15,7 +15,7 @@ import time
 
 ICI = os.path.dirname(os.path.abspath(__file__))
 RACINE = os.path.dirname(os.path.dirname(ICI))
-SERVEUR = os.path.join(RACINE, "scripts", "espace_demo.py")
+SERVEUR = os.path.join(ICI, "espace_hostile.py")
 
 
 def preparer_profil(profil):

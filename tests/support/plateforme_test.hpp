@@ -153,6 +153,10 @@ class PlateformeTest : public Plateforme {
     std::optional<std::string> dossierTelechargements() override { return telechargements; }
     std::string dossierPersonnel() override { return personnel; }
     bool existe(const std::string& chemin) override;
+    std::vector<std::string> suffixesTemporairesTelechargement() const override {
+        return suffixesTemporaires;
+    }
+    std::chrono::steady_clock::time_point maintenant() const override { return horloge; }
 
     // Makes this window the only key one (nullptr: none is key).
     void rendreCle(Fenetre* fenetre);
@@ -175,6 +179,8 @@ class PlateformeTest : public Plateforme {
     // Paths that exist, unless `systemeDeFichiers` is set to test on the real file system.
     std::set<std::string> chemins;
     bool systemeDeFichiers = false;
+    std::vector<std::string> suffixesTemporaires;
+    std::chrono::steady_clock::time_point horloge{std::chrono::hours(1)};
     std::vector<std::string> evenements;
 };
 

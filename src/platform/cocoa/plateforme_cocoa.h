@@ -18,8 +18,8 @@ class ReglagesCocoa : public Reglages {
     void ecrire(const std::string& cle, const std::optional<std::string>& valeur) override;
 };
 
-// The probe's client: an ephemeral session, so nothing is stored; its answer is posted to
-// the main queue.
+// The probe's client: an ephemeral session, so nothing is stored; the body read only as far as
+// the probe needs it; its answer is posted to the main queue.
 class TransportCocoa : public TransportHttp {
   public:
     void envoyer(const RequeteSonde& requete, std::function<void(EchangeTermine)> fin) override;
@@ -29,6 +29,10 @@ class TransportCocoa : public TransportHttp {
 class PlateformeCocoa : public Plateforme {
   public:
     PlateformeCocoa() = default;
+    ~PlateformeCocoa() override;
+    PlateformeCocoa(const PlateformeCocoa&) = delete;
+    PlateformeCocoa& operator=(const PlateformeCocoa&) = delete;
+    // Also starts watching the user's presses, which let pages open windows and other apps.
     void definirControleur(std::weak_ptr<Controleur> controleur);
 
     std::shared_ptr<FenetrePrincipale> creerFenetrePrincipale(
@@ -60,6 +64,7 @@ class PlateformeCocoa : public Plateforme {
     ReglagesCocoa reglages_;
     TransportCocoa transport_;
     BrindexDelegueTelechargements* telechargements_ = nil;
+    id moniteur_ = nil;
 };
 
 }  // namespace brindex::cocoa

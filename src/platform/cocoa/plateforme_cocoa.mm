@@ -1,5 +1,7 @@
 #import "platform/cocoa/plateforme_cocoa.h"
 
+#include <algorithm>
+
 #include "platform/cocoa/outils_cocoa.h"
 
 namespace brindex::cocoa {
@@ -20,6 +22,78 @@ void ReglagesCocoa::ecrire(const std::string &cle, const std::optional<std::stri
 
 // ---- The probe's client ----
 
+}  // namespace brindex::cocoa
+
+// Reads one probe's answer on the session's queue, as far as the probe needs it.
+@interface BrindexLectureSonde : NSObject <NSURLSessionDataDelegate>
+- (instancetype)initAvecFin:(std::function<void(brindex::EchangeTermine)>)fin;
+@end
+
+@implementation BrindexLectureSonde {
+    std::function<void(brindex::EchangeTermine)> _fin;
+    brindex::EchangeTermine _echange;
+}
+
+- (instancetype)initAvecFin:(std::function<void(brindex::EchangeTermine)>)fin {
+    self = [super init];
+    if (self) _fin = std::move(fin);
+    return self;
+}
+
+- (void)URLSession:(NSURLSession *)session
+              dataTask:(NSURLSessionDataTask *)dataTask
+    didReceiveResponse:(NSURLResponse *)response
+     completionHandler:(void (^)(NSURLSessionResponseDisposition))completionHandler {
+    if ([response isKindOfClass:NSHTTPURLResponse.class]) {
+        _echange.reponse = brindex::EchangeTermine::Reponse::http;
+        _echange.statut = static_cast<int>(((NSHTTPURLResponse *)response).statusCode);
+    } else {
+        _echange.reponse = brindex::EchangeTermine::Reponse::autre;
+    }
+    _echange.corps = std::string();
+    completionHandler(NSURLSessionResponseAllow);
+}
+
+- (void)URLSession:(NSURLSession *)session
+          dataTask:(NSURLSessionDataTask *)dataTask
+    didReceiveData:(NSData *)data {
+    if (_echange.corpsPartiel) return;
+    if (!_echange.corps) _echange.corps = std::string();
+    std::string &corps = *_echange.corps;
+    [data enumerateByteRangesUsingBlock:^(const void *octets, NSRange plage, BOOL *arret) {
+        const std::size_t place = brindex::limiteCorpsSonde - corps.size();
+        corps.append(static_cast<const char *>(octets), std::min<std::size_t>(plage.length, place));
+        if (corps.size() >= brindex::limiteCorpsSonde) *arret = YES;
+    }];
+    if (brindex::lectureSuffisante(corps)) {
+        // Enough is known: the rest of the body, however long, is never read.
+        _echange.corpsPartiel = true;
+        [dataTask cancel];
+    }
+}
+
+- (void)URLSession:(NSURLSession *)session
+                    task:(NSURLSessionTask *)task
+    didCompleteWithError:(NSError *)error {
+    // The cancel that follows a sufficient read is no failure.
+    if (error && !(_echange.corpsPartiel && error.code == NSURLErrorCancelled)) {
+        _echange.erreur =
+            brindex::ErreurTransport{error.code, brindex::cocoa::texte(error.localizedDescription)};
+    }
+    // On the session's queue: only plain values cross to the main thread.
+    auto fin = std::move(_fin);
+    _fin = nullptr;
+    const brindex::EchangeTermine echange = _echange;
+    if (!fin) return;
+    dispatch_async(dispatch_get_main_queue(), ^{
+        fin(echange);
+    });
+}
+
+@end
+
+namespace brindex::cocoa {
+
 void TransportCocoa::envoyer(const RequeteSonde &requete, std::function<void(EchangeTermine)> fin) {
     NSURL *url = [NSURL URLWithString:ns(requete.url)];
     if (!url) {
@@ -39,40 +113,43 @@ void TransportCocoa::envoyer(const RequeteSonde &requete, std::function<void(Ech
     demande.timeoutInterval = requete.delaiSecondes;
     if (requete.ignorerCache) demande.cachePolicy = NSURLRequestReloadIgnoringLocalCacheData;
     [demande setValue:ns(requete.agentUtilisateur) forHTTPHeaderField:@"User-Agent"];
-    NSURLSession *session = [NSURLSession
-        sessionWithConfiguration:NSURLSessionConfiguration.ephemeralSessionConfiguration];
-    auto rappel = std::make_shared<std::function<void(EchangeTermine)>>(std::move(fin));
-    NSURLSessionDataTask *tache = [session
-        dataTaskWithRequest:demande
-          completionHandler:^(NSData *donnees, NSURLResponse *reponse, NSError *erreur) {
-              // On the session's queue: only plain values cross to the main thread.
-              EchangeTermine termine;
-              if (erreur) {
-                  termine.erreur = ErreurTransport{erreur.code, texte(erreur.localizedDescription)};
-              }
-              if ([reponse isKindOfClass:NSHTTPURLResponse.class]) {
-                  termine.reponse = EchangeTermine::Reponse::http;
-                  termine.statut = static_cast<int>(((NSHTTPURLResponse *)reponse).statusCode);
-              } else if (reponse) {
-                  termine.reponse = EchangeTermine::Reponse::autre;
-              }
-              if (donnees) {
-                  termine.corps =
-                      std::string(static_cast<const char *>(donnees.bytes), donnees.length);
-              }
-              dispatch_async(dispatch_get_main_queue(), ^{
-                  (*rappel)(termine);
-              });
-          }];
-    [tache resume];
+    NSURLSessionConfiguration *reglages = NSURLSessionConfiguration.ephemeralSessionConfiguration;
+    // The delay bounds the whole exchange too, whatever pace the server keeps.
+    reglages.timeoutIntervalForResource = requete.delaiSecondes;
+    BrindexLectureSonde *lecture = [[BrindexLectureSonde alloc] initAvecFin:std::move(fin)];
+    // The session holds its delegate until it is invalidated, once the task has ended.
+    NSURLSession *session = [NSURLSession sessionWithConfiguration:reglages
+                                                          delegate:lecture
+                                                     delegateQueue:nil];
+    [[session dataTaskWithRequest:demande] resume];
     [session finishTasksAndInvalidate];
 }
 
 // ---- Platform ----
 
+PlateformeCocoa::~PlateformeCocoa() {
+    if (moniteur_) [NSEvent removeMonitor:moniteur_];
+}
+
 void PlateformeCocoa::definirControleur(std::weak_ptr<Controleur> controleur) {
     controleur_ = controleur;
     telechargements_ = [[BrindexDelegueTelechargements alloc] initAvecControleur:controleur];
+    // WebKit's public API doesn't say whether a user gesture started a navigation: the
+    // application sees the presses itself, before any window does.
+    const NSEventMask pressions = NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown |
+                                  NSEventMaskOtherMouseDown | NSEventMaskKeyDown;
+    moniteur_ = [NSEvent
+        addLocalMonitorForEventsMatchingMask:pressions
+                                     handler:^NSEvent *(NSEvent *evenement) {
+                                         // Escape is no request of the user.
+                                         const bool echap = evenement.type == NSEventTypeKeyDown &&
+                                                            [evenement.charactersIgnoringModifiers
+                                                                isEqualToString:@"\x1b"];
+                                         if (const auto c = controleur.lock(); c && !echap) {
+                                             c->activationUtilisateur();
+                                         }
+                                         return evenement;
+                                     }];
 }
 
 std::shared_ptr<FenetrePrincipale> PlateformeCocoa::creerFenetrePrincipale(
@@ -114,7 +191,10 @@ void PlateformeCocoa::alerte(const Alerte &alerte, std::function<void(ReponseAle
     if (index >= 0 && static_cast<std::size_t>(index) < alerte.boutons.size()) {
         r.bouton = static_cast<std::size_t>(index);
     }
-    if (champ) r.champ = texte(champ.stringValue);
+    if (champ) {
+        r.champ = texte(champ.stringValue);
+        r.champModifie = ![champ.stringValue isEqualToString:ns(*alerte.champ)];
+    }
     reponse(std::move(r));
 }
 

@@ -225,6 +225,13 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
     }
 }
 
+- (void)webViewWebContentProcessDidTerminate:(WKWebView *)webView {
+    // WebKit doesn't say why: whatever the cause, the page is gone.
+    if (const auto controleur = _controleur.lock()) {
+        controleur->processusTermine(*_vue, brindex::FinProcessus::plantage);
+    }
+}
+
 - (void)webView:(WKWebView *)webView
      navigationAction:(WKNavigationAction *)navigationAction
     didBecomeDownload:(WKDownload *)download {
@@ -246,8 +253,9 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
     const auto controleur = _controleur.lock();
     if (!controleur) return nil;
     const brindex::cocoa::ConfigurationCocoa fournie(configuration);
+    // WebKit's public API gives no user-gesture flag: the presses the application saw decide.
     const auto vue = controleur->creerVueWebDemandee(
-        *_vue, texteOptionnel(navigationAction.request.URL.absoluteString), fournie);
+        *_vue, texteOptionnel(navigationAction.request.URL.absoluteString), std::nullopt, fournie);
     auto *cocoa = dynamic_cast<brindex::cocoa::VueWebCocoa *>(vue.get());
     return cocoa ? cocoa->webView() : nil;
 }

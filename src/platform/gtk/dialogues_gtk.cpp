@@ -14,6 +14,7 @@ namespace {
 struct EtatAlerte {
     std::function<void(ReponseAlerte)> reponse;
     GtkWidget* champ = nullptr;
+    bool modifie = false;
     bool repondu = false;
 
     void repondre(std::size_t bouton) {
@@ -22,6 +23,7 @@ struct EtatAlerte {
         ReponseAlerte r;
         r.bouton = bouton;
         if (champ) r.champ = gtk_editable_get_text(GTK_EDITABLE(champ));
+        r.champModifie = modifie;
         // Moved out first: the answer may open another alert or close this one's owner.
         auto rappel = std::move(reponse);
         if (rappel) rappel(std::move(r));
@@ -102,6 +104,11 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
         etat->champ = gtk_entry_new();
         gtk_widget_set_name(etat->champ, "champ-dialogue");
         gtk_editable_set_text(GTK_EDITABLE(etat->champ), alerte.champ->c_str());
+        // Only the user's edits count: the entry can't hold every text a page may give.
+        g_signal_connect(etat->champ, "changed", G_CALLBACK(+[](GtkEditable*, gpointer e) {
+                             static_cast<EtatAlerte*>(e)->modifie = true;
+                         }),
+                         etat);
         gtk_widget_set_size_request(etat->champ, static_cast<int>(alerte.largeurChamp),
                                     static_cast<int>(alerte.hauteurChamp));
         gtk_widget_set_halign(etat->champ, GTK_ALIGN_START);

@@ -87,6 +87,12 @@ bool PlateformeGtk::existe(const std::string& chemin) {
     return !erreur && etat.type() != std::filesystem::file_type::not_found;
 }
 
+std::vector<std::string> PlateformeGtk::suffixesTemporairesTelechargement() const {
+    // WebKitGTK writes "<destination>.wkdownload" while a download runs, and GIO sets an
+    // existing file of that name aside as "<name>~" before replacing it.
+    return {".wkdownload", ".wkdownload~"};
+}
+
 // ---- Downloads ----
 
 std::shared_ptr<TelechargementGtk> PlateformeGtk::entree(WebKitDownload* telechargement) const {

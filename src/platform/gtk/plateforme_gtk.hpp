@@ -55,6 +55,7 @@ class PlateformeGtk : public Plateforme {
     std::optional<std::string> dossierTelechargements() override;
     std::string dossierPersonnel() override;
     bool existe(const std::string& chemin) override;
+    std::vector<std::string> suffixesTemporairesTelechargement() const override;
 
     std::shared_ptr<FenetrePrincipaleGtk> fenetrePrincipale() const { return principale_.lock(); }
     // The window that dialogs belong to: the active one, else the main window.

@@ -33,6 +33,7 @@ WebKitSettings* reglagesMoteur(const ParametresVueWeb& parametres) {
 
 ActionNavigation actionDepuis(WebKitNavigationAction* action, CadreCible cible) {
     ActionNavigation valeur;
+    valeur.gesteUtilisateur = webkit_navigation_action_is_user_gesture(action) != FALSE;
     WebKitURIRequest* requete = webkit_navigation_action_get_request(action);
     valeur.url = texte(requete ? webkit_uri_request_get_uri(requete) : nullptr);
     valeur.type =
@@ -60,6 +61,24 @@ void appliquer(WebKitPolicyDecision* decision, Politique politique) {
 
 }  // namespace
 
+// One page dialog, held (one reference) until its answer. WebKit releases the dialog itself
+// right after the signal and closes it then: a dialog answered inside the signal must only be
+// filled in, never closed, or WebKit releases a dialog that is already gone.
+struct DialogueEnAttente {
+    explicit DialogueEnAttente(WebKitScriptDialog* d) : dialogue(webkit_script_dialog_ref(d)) {}
+    ~DialogueEnAttente() { webkit_script_dialog_unref(dialogue); }
+    DialogueEnAttente(const DialogueEnAttente&) = delete;
+    DialogueEnAttente& operator=(const DialogueEnAttente&) = delete;
+
+    // The answer is filled in; after the signal, it is also handed to the page.
+    void terminer() {
+        if (!dansSignal) webkit_script_dialog_close(dialogue);
+    }
+
+    WebKitScriptDialog* dialogue;
+    bool dansSignal = true;
+};
+
 VueWebGtk::VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
                      std::weak_ptr<Controleur> controleur)
     : controleur_(std::move(controleur)) {
@@ -86,6 +105,10 @@ VueWebGtk::VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
 
 VueWebGtk::~VueWebGtk() {
     detacher();
+    // Dialogs still open answer now, while their view is still there to hear it.
+    for (const auto& faible : dialogues_) {
+        if (const auto d = faible.lock()) webkit_script_dialog_close(d->dialogue);
+    }
 }
 
 void VueWebGtk::connecter() {
@@ -101,6 +124,13 @@ void VueWebGtk::connecter() {
     g_signal_connect(v, "run-file-chooser", G_CALLBACK(surChoixFichiers), this);
     g_signal_connect(v, "notify::title", G_CALLBACK(surTitre), this);
     g_signal_connect(v, "notify::estimated-load-progress", G_CALLBACK(surProgression), this);
+    g_signal_connect(v, "web-process-terminated", G_CALLBACK(surFinProcessus), this);
+    // Presses inside the page, seen before the page sees them: they are what lets a page open
+    // a window or hand a link to another application.
+    entrees_ = gtk_event_controller_legacy_new();
+    gtk_event_controller_set_propagation_phase(entrees_, GTK_PHASE_CAPTURE);
+    g_signal_connect(entrees_, "event", G_CALLBACK(surEntree), this);
+    gtk_widget_add_controller(widget(), entrees_);
 }
 
 void VueWebGtk::detacher() {
@@ -108,7 +138,9 @@ void VueWebGtk::detacher() {
     attachee_ = false;
     annulerDelai();
     pretAAfficher = nullptr;
-    if (vue_) g_signal_handlers_disconnect_by_data(vue_.get(), this);
+    if (!vue_) return;
+    g_signal_handlers_disconnect_by_data(vue_.get(), this);
+    if (entrees_) g_signal_handlers_disconnect_by_data(entrees_, this);
 }
 
 // ---- Commands ----
@@ -243,6 +275,32 @@ gboolean VueWebGtk::surDelaiDepasse(gpointer donnees) {
     return G_SOURCE_REMOVE;
 }
 
+void VueWebGtk::surFinProcessus(WebKitWebView*, WebKitWebProcessTerminationReason raison,
+                                gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    // An end the application asked for is no failure.
+    if (raison == WEBKIT_WEB_PROCESS_TERMINATED_BY_API) return;
+    vue->annulerDelai();
+    if (const auto c = vue->controleur_.lock()) {
+        c->processusTermine(*vue, raison == WEBKIT_WEB_PROCESS_EXCEEDED_MEMORY_LIMIT
+                                      ? FinProcessus::memoire
+                                      : FinProcessus::plantage);
+    }
+}
+
+gboolean VueWebGtk::surEntree(GtkEventControllerLegacy*, GdkEvent* evenement, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    const GdkEventType type = gdk_event_get_event_type(evenement);
+    // Escape and modifier keys alone are no request of the user.
+    const bool demande =
+        type == GDK_BUTTON_PRESS || type == GDK_TOUCH_BEGIN ||
+        (type == GDK_KEY_PRESS && gdk_key_event_get_keyval(evenement) != GDK_KEY_Escape &&
+         !gdk_key_event_is_modifier(evenement));
+    if (!demande) return FALSE;
+    if (const auto c = vue->controleur_.lock()) c->activationUtilisateur();
+    return FALSE;
+}
+
 GtkWidget* VueWebGtk::surCreation(WebKitWebView*, WebKitNavigationAction* action,
                                   gpointer donnees) {
     VueWebGtk* vue = soi(donnees);
@@ -251,7 +309,8 @@ GtkWidget* VueWebGtk::surCreation(WebKitWebView*, WebKitNavigationAction* action
     WebKitURIRequest* requete = webkit_navigation_action_get_request(action);
     const auto url = texte(requete ? webkit_uri_request_get_uri(requete) : nullptr);
     const ConfigurationGtk configuration(vue->webView());
-    const auto nouvelle = c->creerVueWebDemandee(*vue, url, configuration);
+    const auto nouvelle = c->creerVueWebDemandee(
+        *vue, url, webkit_navigation_action_is_user_gesture(action) != FALSE, configuration);
     auto* gtkVue = dynamic_cast<VueWebGtk*>(nouvelle.get());
     if (!gtkVue) return nullptr;
     // WebKit only borrows the view: the new window holds it.
@@ -274,43 +333,40 @@ void VueWebGtk::surFermeture(WebKitWebView*, gpointer donnees) {
 gboolean VueWebGtk::surDialogue(WebKitWebView*, WebKitScriptDialog* dialogue, gpointer donnees) {
     VueWebGtk* vue = soi(donnees);
     const auto c = vue->controleur_.lock();
-    if (!c) return FALSE;
+    // Handled in every case: WebKit's own dialogs never show. Left unanswered, a dialog closes
+    // with WebKit's defaults when it is released.
+    if (!c) return TRUE;
+    const auto attente = std::make_shared<DialogueEnAttente>(dialogue);
+    vue->dialogues_.push_back(attente);
     const std::string message = webkit_script_dialog_get_message(dialogue);
-    // Answered later, once the native alert closes.
-    webkit_script_dialog_ref(dialogue);
-    auto terminer = [dialogue] {
-        webkit_script_dialog_close(dialogue);
-        webkit_script_dialog_unref(dialogue);
-    };
     switch (webkit_script_dialog_get_dialog_type(dialogue)) {
         case WEBKIT_SCRIPT_DIALOG_ALERT:
-            c->alerteScript(message, terminer);
-            return TRUE;
+            c->alerteScript(message, [attente] { attente->terminer(); });
+            break;
         case WEBKIT_SCRIPT_DIALOG_CONFIRM:
-            c->confirmationScript(message, [dialogue, terminer](bool oui) {
-                webkit_script_dialog_confirm_set_confirmed(dialogue, oui);
-                terminer();
+            c->confirmationScript(message, [attente](bool oui) {
+                webkit_script_dialog_confirm_set_confirmed(attente->dialogue, oui);
+                attente->terminer();
             });
-            return TRUE;
+            break;
         case WEBKIT_SCRIPT_DIALOG_PROMPT: {
             const auto defaut = texte(webkit_script_dialog_prompt_get_default_text(dialogue));
-            c->saisieScript(
-                message, defaut, [dialogue, terminer](std::optional<std::string> reponse) {
-                    // Left unset, the page's prompt() gives null.
-                    if (reponse) {
-                        webkit_script_dialog_prompt_set_text(dialogue, reponse->c_str());
-                    }
-                    terminer();
-                });
-            return TRUE;
+            c->saisieScript(message, defaut, [attente](std::optional<std::string> reponse) {
+                // Left unset, the page's prompt() gives null.
+                if (reponse)
+                    webkit_script_dialog_prompt_set_text(attente->dialogue, reponse->c_str());
+                attente->terminer();
+            });
+            break;
         }
         case WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM:
-            // Leaving a page is never held up by the page.
+            // Leaving a page is never held up by the page: confirmed here, and closed by WebKit
+            // when the signal returns.
             webkit_script_dialog_confirm_set_confirmed(dialogue, TRUE);
-            terminer();
-            return TRUE;
+            break;
     }
-    terminer();
+    attente->dansSignal = false;
+    std::erase_if(vue->dialogues_, [](const auto& d) { return d.expired(); });
     return TRUE;
 }
 

@@ -4,12 +4,15 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "container/controleur.hpp"
 #include "container/ports.hpp"
 #include "outils_gtk.hpp"
 
 namespace brindex::gtk {
+
+struct DialogueEnAttente;
 
 // The opener of a popup, as WebKit hands it over when a page asks for a new window.
 class ConfigurationGtk : public ConfigurationMoteur {
@@ -64,6 +67,8 @@ class VueWebGtk : public VueWeb {
     static void surTitre(GObject*, GParamSpec*, gpointer);
     static void surProgression(GObject*, GParamSpec*, gpointer);
     static gboolean surDelaiDepasse(gpointer);
+    static void surFinProcessus(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer);
+    static gboolean surEntree(GtkEventControllerLegacy*, GdkEvent*, gpointer);
     void annulerDelai();
 
     Ref<WebKitWebView> vue_;
@@ -73,6 +78,11 @@ class VueWebGtk : public VueWeb {
     bool attachee_ = true;
     // WebKitGTK has no per-request time-out: a timer stands in for it until the server answers.
     guint delai_ = 0;
+    // Page dialogs still waiting for the user: WebKit's answer to each must come before the view
+    // goes, since the engine writes into the view when a dialog closes.
+    std::vector<std::weak_ptr<DialogueEnAttente>> dialogues_;
+    // Sees the presses inside the page (owned by the widget).
+    GtkEventController* entrees_ = nullptr;
 };
 
 }  // namespace brindex::gtk
