@@ -19,6 +19,8 @@ constexpr const char* texteIntrouvable = "Cette adresse n'existe pas. Vérifiez 
 constexpr const char* texteHorsLigne = "Votre connexion internet semble coupée.";
 constexpr const char* texteCertificat = "Le certificat de sécurité du serveur n'est pas valide.";
 constexpr const char* texteInattendu = "Réponse inattendue du serveur.";
+constexpr const char* texteHttps =
+    "Cette adresse exige une connexion sécurisée (https). Vérifiez l'adresse de votre espace.";
 
 // A body cut short may end inside a UTF-8 sequence: that tail doesn't make it invalid.
 bool estUtf8Lu(std::string_view corps, bool partiel) {
@@ -47,6 +49,10 @@ ResultatSonde trierEchange(const EchangeTermine& echange) {
             case -1005:
             case -1009:
                 return ResultatSonde::injoignable(texteHorsLigne);
+            // The platform refuses http to this host (App Transport Security on macOS, which
+            // exempts only IP addresses, unqualified and .local names).
+            case -1022:
+                return ResultatSonde::injoignable(texteHttps);
             case -1200:
             case -1201:
             case -1202:

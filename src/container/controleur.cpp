@@ -191,6 +191,7 @@ void Controleur::progressionChange(VueWeb& vue) {
 void Controleur::oublierVue(const VueWeb& vue) {
     originesWebView_.erase(&vue);
     finsProcessus_.erase(&vue);
+    attentes_.erase(&vue);
 }
 
 std::optional<Origine> Controleur::origineDe(const VueWeb& vue) const {
@@ -201,18 +202,59 @@ std::optional<Origine> Controleur::origineDe(const VueWeb& vue) const {
 
 // ---- Navigation policy ----
 
+namespace {
+
+// Responses come without the fragment their navigation may have carried.
+std::string sansFragment(const std::string& url) {
+    return url.substr(0, url.find('#'));
+}
+
+constexpr std::size_t attentesParVue = 16;
+
+}  // namespace
+
+void Controleur::detourner(const Detournement& detournement) {
+    if (detournement.urlAOuvrir) {
+        activation_.reset();
+        plateforme_.ouvrirUrl(*detournement.urlAOuvrir);
+    }
+    if (detournement.ligneJournal) Journal::ecrire(*detournement.ligneJournal);
+}
+
 Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action) {
     const auto decision = brindex::deciderAction(
         action, origineDe(vue), actionUtilisateurDisponible(action.gesteUtilisateur));
-    if (decision.urlAOuvrir) {
-        activation_.reset();
-        plateforme_.ouvrirUrl(*decision.urlAOuvrir);
+    detourner({decision.urlAOuvrir, decision.ligneJournal});
+    if (decision.siCadrePrincipal && action.url) {
+        auto& attentes = attentes_[&vue];
+        if (attentes.size() == attentesParVue) attentes.erase(attentes.begin());
+        attentes.push_back({sansFragment(*action.url), *decision.siCadrePrincipal});
     }
-    if (decision.ligneJournal) Journal::ecrire(*decision.ligneJournal);
     return decision.politique;
 }
 
-Politique Controleur::deciderReponse(VueWeb&, const ReponseNavigation& reponse) {
+std::optional<Detournement> Controleur::attenteDe(const VueWeb& vue,
+                                                  const std::optional<std::string>& url,
+                                                  bool cadrePrincipal) {
+    const auto attentes = attentes_.find(&vue);
+    if (attentes == attentes_.end() || !url) return std::nullopt;
+    auto& liste = attentes->second;
+    const auto attente = std::find_if(
+        liste.begin(), liste.end(), [&](const Attente& a) { return a.url == sansFragment(*url); });
+    if (attente == liste.end()) return std::nullopt;
+    const Detournement detournement = attente->detournement;
+    liste.erase(attente);
+    if (!cadrePrincipal) return std::nullopt;
+    return detournement;
+}
+
+Politique Controleur::deciderReponse(VueWeb& vue, const ReponseNavigation& reponse) {
+    // A navigation allowed as if for a sub-frame turns out to fill the main frame: it is held
+    // to the view's origin after all.
+    if (const auto detournement = attenteDe(vue, reponse.url, reponse.cadrePrincipal)) {
+        detourner(*detournement);
+        return Politique::annuler;
+    }
     return brindex::deciderReponse(reponse);
 }
 
@@ -224,6 +266,12 @@ void Controleur::chargementTermine(VueWeb& vue) {
 }
 
 void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
+    // A navigation allowed as if for a sub-frame failed in the main frame: it was never the
+    // view's to load, and does what a navigation elsewhere does.
+    if (const auto detournement = attenteDe(vue, erreur.url, true)) {
+        detourner(*detournement);
+        return;
+    }
     if (echecIgnore(erreur)) return;
     Journal::ecrire(ligneEchec(erreur));
     const std::string detail = detailLisible(erreur, adresseEspace());

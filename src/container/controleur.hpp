@@ -12,6 +12,7 @@
 #include "address/origine.hpp"
 #include "address/url.hpp"
 #include "app/commandes.hpp"
+#include "container/politique.hpp"
 #include "container/ports.hpp"
 
 namespace brindex {
@@ -147,6 +148,11 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     // Whether an action of the user is there to be spent (and the engine doesn't deny it).
     bool actionUtilisateurDisponible(std::optional<bool> geste) const;
     void oublierVue(const VueWeb& vue);
+    void detourner(const Detournement& detournement);
+    // Takes out the navigation waiting on this address; what to do instead, if it filled the
+    // main frame.
+    std::optional<Detournement> attenteDe(const VueWeb& vue, const std::optional<std::string>& url,
+                                          bool cadrePrincipal);
 
     struct EntreeTelechargement {
         std::shared_ptr<Telechargement> telechargement;
@@ -165,6 +171,14 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     unsigned fenetresRefusees_ = 0;
     // When each web view's content process last ended on its own.
     std::map<const VueWeb*, std::chrono::steady_clock::time_point> finsProcessus_;
+    // Navigations to other sites allowed in a frame the engine didn't name, and what to do if
+    // their response fills the main frame; a few per view (one that never gets a response, a
+    // failed load, is forgotten in time).
+    struct Attente {
+        std::string url;
+        Detournement detournement;
+    };
+    std::map<const VueWeb*, std::vector<Attente>> attentes_;
 };
 
 }  // namespace brindex

@@ -9,7 +9,8 @@ namespace {
 const std::string ligneExterneRefusee = "navigation externe automatique REFUSEE vers ";
 
 DecisionAction etapeFinale(const ActionNavigation& action) {
-    return {action.telechargementDemande ? Politique::telecharger : Politique::autoriser, {}, {}};
+    return {
+        action.telechargementDemande ? Politique::telecharger : Politique::autoriser, {}, {}, {}};
 }
 
 }  // namespace
@@ -32,7 +33,7 @@ DecisionAction deciderAction(const ActionNavigation& action,
         return decision;
     }
     if (scheme != "http" && scheme != "https") {
-        return {Politique::annuler, {}, "navigation REFUSEE scheme=" + scheme};
+        return {Politique::annuler, {}, "navigation REFUSEE scheme=" + scheme, {}};
     }
     // Embedded frames may show any site; only what fills the view is held to its origin.
     if (action.cible == CadreCible::sousCadre) return etapeFinale(action);
@@ -40,8 +41,15 @@ DecisionAction deciderAction(const ActionNavigation& action,
     const auto destination = Origine::depuis(*action.url);
     if (!destination || *destination == *origineVue) return etapeFinale(action);
 
-    if (lienClique) return {Politique::annuler, *action.url, {}};
-    return {Politique::annuler, {}, ligneExterneRefusee + destination->host()};
+    const Detournement detournement =
+        lienClique ? Detournement{*action.url, {}}
+                   : Detournement{{}, ligneExterneRefusee + destination->host()};
+    if (action.cible == CadreCible::inconnu) {
+        DecisionAction provisoire = etapeFinale(action);
+        provisoire.siCadrePrincipal = detournement;
+        return provisoire;
+    }
+    return {Politique::annuler, detournement.urlAOuvrir, detournement.ligneJournal, {}};
 }
 
 Politique deciderReponse(const ReponseNavigation& reponse) {

@@ -23,8 +23,10 @@ namespace brindex {
 // ---- Values from the engine ----
 
 enum class TypeNavigation { lienActive, autre };
-// The frame a navigation targets; `aucun` is a request for a new window.
-enum class CadreCible { principal, sousCadre, aucun };
+// The frame a navigation targets; `aucun` is a request for a new window; `inconnu`: the engine
+// doesn't say whether the main frame or a sub-frame navigates (it tells only once a response
+// arrives, see ReponseNavigation::cadrePrincipal).
+enum class CadreCible { principal, sousCadre, aucun, inconnu };
 
 struct ActionNavigation {
     std::optional<std::string> url;
@@ -33,13 +35,16 @@ struct ActionNavigation {
     bool telechargementDemande = false;
     // The engine's own word on whether a user gesture started the navigation, where the
     // engine gives one; nothing where it doesn't.
-    std::optional<bool> gesteUtilisateur;
+    std::optional<bool> gesteUtilisateur = std::nullopt;
 };
 
 struct ReponseNavigation {
     bool http = false;
     std::optional<std::string> contentDisposition;
     bool typeAffichable = true;
+    // The address the response answers, and whether it fills the main frame.
+    std::optional<std::string> url = std::nullopt;
+    bool cadrePrincipal = true;
 };
 
 enum class Politique { annuler, autoriser, telecharger };
@@ -53,6 +58,8 @@ struct ErreurChargement {
     std::string domaine;
     std::int64_t code = 0;
     std::string description;
+    // The address whose load failed, where the engine says.
+    std::optional<std::string> url = std::nullopt;
 };
 inline constexpr std::string_view domaineUrl = "NSURLErrorDomain";
 inline constexpr std::string_view domaineWebKit = "WebKitErrorDomain";

@@ -6,7 +6,9 @@ badly named attachments, endless health answers, reason phrases full of control 
     espace_hostile.py [--port N] [--journal FILE] [--lent SECONDES]
 """
 import os
+import signal
 import sys
+import threading
 import time
 from urllib.parse import parse_qs, quote, urlsplit
 
@@ -23,10 +25,23 @@ QUITTER = page("Brouillon", """
 CLICS = page("Clics de script", """
 <section><a id="a" href="%sa">a</a> <a id="m" href="mailto:x@brindex.example">m</a>
 <button id="flot" onclick="for (let i = 0; i < 300; i++) window.open('/fenetre')">Flot</button>
+<a id="dl" href="/equipe" download="equipe.html">Télécharger la page</a>
 </section>
 <script>addEventListener("load", () => {
   for (let i = 0; i < 5; i++) document.getElementById(i == 4 ? "m" : "a").click(); });
 </script>""" % SITE_EXTERNE)
+
+
+# A page of the space embedding a page of another site (the same server named "localhost"),
+# whose links navigate inside the frame, then out of it to the top.
+CADRES = page("Cadres", """
+<section><iframe id="cadre" src="http://localhost:%s/hostile/cadre" width="400" height="200">
+</iframe></section><script>window.vus = [];
+addEventListener("message", e => window.vus.push(e.data));</script>""")
+
+CADRE = """<!doctype html><html><body style="margin:0"><a id="lien" %s
+ style="display:block;width:100%%;height:100vh">suite</a>
+<script>parent.postMessage(location.href, "*");</script></body></html>"""
 
 
 class EspaceHostile(espace_demo.Espace):
@@ -36,6 +51,15 @@ class EspaceHostile(espace_demo.Espace):
         if adresse.path == "/hostile/quitter":
             self.noter()
             self.repondre(200, QUITTER)
+        elif adresse.path == "/hostile/cadres":
+            self.noter()
+            self.repondre(200, CADRES % self.server.server_address[1])
+        elif adresse.path == "/hostile/cadre":
+            self.noter()
+            # The first page's link stays in the frame, the second's aims at the whole window.
+            lien = ('href="/hostile/haut" target="_top"' if "n" in parametres
+                    else 'href="/hostile/cadre?n=2"')
+            self.repondre(200, CADRE % lien)
         elif adresse.path == "/hostile/clics":
             self.noter()
             self.repondre(200, CLICS)
@@ -64,6 +88,25 @@ class EspaceHostile(espace_demo.Espace):
 
 
 def main():
+    # --second PORT: the same space also listens on PORT from SIGUSR1 to SIGUSR2, for a space
+    # that comes up while the application waits for it.
+    if "--second" in sys.argv:
+        i = sys.argv.index("--second")
+        port = int(sys.argv[i + 1])
+        del sys.argv[i:i + 2]
+        second = []
+
+        def ouvrir(*_):
+            second.append(espace_demo.ThreadingHTTPServer(("127.0.0.1", port), EspaceHostile))
+            threading.Thread(target=second[-1].serve_forever, args=(0.05,), daemon=True).start()
+
+        def fermer(*_):
+            serveur = second.pop()
+            serveur.shutdown()
+            serveur.server_close()
+
+        signal.signal(signal.SIGUSR1, ouvrir)
+        signal.signal(signal.SIGUSR2, fermer)
     espace_demo.Espace = EspaceHostile
     return espace_demo.main()
 

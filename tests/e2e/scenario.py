@@ -8,6 +8,7 @@ session bus, and finds everything it needs in BRINDEX_E2E_* variables.
 """
 import os
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
@@ -63,9 +64,12 @@ def main():
     try:
         dossiers, telechargements, ouverts = preparer_profil(profil)
         journal_serveur = os.path.join(profil, "requetes.jsonl")
+        with socket.socket() as s:
+            s.bind(("127.0.0.1", 0))
+            port_libre = s.getsockname()[1]
         serveur = subprocess.Popen(
-            [sys.executable, SERVEUR, "--port", "0", "--journal", journal_serveur, "--lent", "3"],
-            stdout=subprocess.PIPE, text=True)
+            [sys.executable, SERVEUR, "--port", "0", "--journal", journal_serveur, "--lent", "3",
+             "--second", str(port_libre)], stdout=subprocess.PIPE, text=True)
         premiere = serveur.stdout.readline().split()
         if len(premiere) != 2 or premiere[0] != "PORT":
             sys.exit("the test space did not start")
@@ -80,7 +84,8 @@ def main():
             "BRINDEX_E2E_REQUETES": journal_serveur,
             "BRINDEX_E2E_OUVERTS": ouverts,
             "BRINDEX_E2E_TELECHARGEMENTS": telechargements,
-            "BRINDEX_E2E_SERVEUR": SERVEUR,
+            "BRINDEX_E2E_SERVEUR_PID": str(serveur.pid),
+            "BRINDEX_E2E_PORT_LIBRE": str(port_libre),
             "GSK_RENDERER": "cairo",
             "WEBKIT_DISABLE_COMPOSITING_MODE": "1",
             "GTK_A11Y": "none",

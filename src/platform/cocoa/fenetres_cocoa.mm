@@ -36,6 +36,9 @@ NSAlert *alerteNative(const Alerte &alerte, NSTextField *__strong *champ) {
         if (champ) *champ = texte;
     }
     for (const auto &titre : alerte.boutons) [a addButtonWithTitle:ns(titre)];
+    // NSAlert gives Escape only to a button titled with AppKit's own "Cancel": the second
+    // button ("Annuler") takes it explicitly.
+    if (a.buttons.count > 1) a.buttons[1].keyEquivalent = @"\x1b";
     return a;
 }
 
@@ -65,8 +68,10 @@ FenetreCocoa<Interface>::FenetreCocoa(const ParametresFenetre &parametres,
 template <typename Interface>
 FenetreCocoa<Interface>::~FenetreCocoa() {
     fenetre_.delegate = nil;
-    // Dropped from windowWillClose: while AppKit is still closing the window.
+    // Dropped from windowWillClose: while AppKit is still closing the window and the delegate
+    // is still running its method.
     relacherPlusTard(fenetre_);
+    relacherPlusTard(delegue_);
 }
 
 template <typename Interface>
@@ -151,6 +156,8 @@ void FenetrePrincipaleCocoa::montrerEspace(std::shared_ptr<VueWeb> vue) {
         [barre_.trailingAnchor constraintEqualToAnchor:conteneur.trailingAnchor],
     ]];
     remplacerContenu(conteneur);
+    // Arrow keys, space and the editing commands reach the page without a click first.
+    [fenetre_ makeFirstResponder:web];
 }
 
 void FenetrePrincipaleCocoa::montrerErreur(std::shared_ptr<VueErreur> vue) {
@@ -176,6 +183,7 @@ FenetreSecondaireCocoa::FenetreSecondaireCocoa(const ParametresFenetre &parametr
         web.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
         web.frame = fenetre_.contentLayoutRect;
         [fenetre_.contentView addSubview:web];
+        [fenetre_ makeFirstResponder:web];
     }
     [fenetre_ center];
     [fenetre_ makeKeyAndOrderFront:nil];

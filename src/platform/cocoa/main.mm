@@ -171,6 +171,9 @@ class CoquilleCocoa : public brindex::Coquille {
 int main() {
     @autoreleasepool {
         NSApplication *application = NSApplication.sharedApplication;
+        // With "Prefer tabs", AppKit would make popups tabs of the main window and add tab
+        // commands to the fixed menu bar: off before any window exists.
+        NSWindow.allowsAutomaticWindowTabbing = NO;
         // The delegate lives for the whole run: NSApplication holds it weakly.
         static AppDelegate *delegue = [[AppDelegate alloc] init];
         application.delegate = delegue;

@@ -65,6 +65,9 @@ class VueWebCocoa : public VueWeb {
     BrindexDelegueWeb *delegue_;
     // The title and progress observations of the main web view; they end with detacher().
     id observateur_ = nil;
+    // The space's own view leaves its window's content when it goes; a popup's stays in its
+    // window until the window has closed.
+    bool principale_ = false;
 };
 
 }  // namespace brindex::cocoa

@@ -200,6 +200,8 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
             texteOptionnel([http valueForHTTPHeaderField:@"Content-Disposition"]);
     }
     reponse.typeAffichable = navigationResponse.canShowMIMEType;
+    reponse.url = texteOptionnel(navigationResponse.response.URL.absoluteString);
+    reponse.cadrePrincipal = navigationResponse.forMainFrame;
     decisionHandler(
         politiqueWebKit(controleur->deciderReponse(*_vue, reponse), WKNavigationResponsePolicyAllow,
                         WKNavigationResponsePolicyDownload, WKNavigationResponsePolicyCancel));
@@ -354,6 +356,7 @@ VueWebCocoa::VueWebCocoa(const ParametresVueWeb &parametres, WKWebViewConfigurat
     webView_.allowsBackForwardNavigationGestures = parametres.gestesHistorique;
     webView_.allowsMagnification = parametres.grossissement;
     webView_.underPageBackgroundColor = couleur(Marque::fond);
+    principale_ = parametres.principale;
     if (parametres.principale) {
         // New values only: nothing is reported for the initial ones.
         observateur_ = [[BrindexObservateur alloc] initAvecVue:this controleur:controleur];
@@ -385,7 +388,7 @@ void VueWebCocoa::detacher() {
     }
     webView_.navigationDelegate = nil;
     webView_.UIDelegate = nil;
-    [webView_ removeFromSuperview];
+    if (principale_) [webView_ removeFromSuperview];
 }
 
 void VueWebCocoa::charger(const std::string &url, double delaiSecondes) {

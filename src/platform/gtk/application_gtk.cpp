@@ -2,7 +2,9 @@
 
 #include <webkit/webkit.h>
 
+#include <iostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/menus.hpp"
@@ -79,15 +81,36 @@ ApplicationGtk::~ApplicationGtk() {
 }
 
 int ApplicationGtk::executer(int argc, char** argv) {
-    return g_application_run(G_APPLICATION(application_.get()), argc, argv);
+    for (int i = 1; i < argc; ++i) {
+        if (std::string_view(argv[i]) == "--help" || std::string_view(argv[i]) == "-h") {
+            std::cout << "brindex : ouvre votre espace Brindex dans sa propre fenêtre ; aucune "
+                         "option.\n";
+            return 0;
+        }
+    }
+    char* seul[] = {argc > 0 ? argv[0] : nullptr, nullptr};
+    return g_application_run(G_APPLICATION(application_.get()), argc > 0 ? 1 : 0, seul);
 }
 
 void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
     auto* soi = static_cast<ApplicationGtk*>(donnees);
     if (soi->controleur_) {
-        // Launched again: the running application's main window comes forward, even when
-        // some window is already shown (unlike a click on the macOS Dock icon).
-        soi->controleur_->fenetre().devant();
+        // Launched again: the reopen rule, as for a click on the macOS Dock icon; with windows
+        // on screen, the application only comes forward with the one the user used last.
+        GtkApplication* app = soi->application_.get();
+        bool visibles = false;
+        for (GList* l = gtk_application_get_windows(app); l; l = l->next) {
+            GtkWidget* f = GTK_WIDGET(l->data);
+            GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(f));
+            visibles =
+                visibles ||
+                (gtk_widget_get_visible(f) && surface && GDK_IS_TOPLEVEL(surface) &&
+                 !(gdk_toplevel_get_state(GDK_TOPLEVEL(surface)) & GDK_TOPLEVEL_STATE_MINIMIZED));
+        }
+        reouvrir(*soi->controleur_, visibles);
+        if (GtkWindow* active = gtk_application_get_active_window(app); visibles && active) {
+            gtk_window_present(active);
+        }
         return;
     }
     Journal::definirChemin(cheminJournalGtk());

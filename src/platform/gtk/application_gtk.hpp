@@ -21,7 +21,9 @@ class ApplicationGtk : public Coquille {
     ApplicationGtk(const ApplicationGtk&) = delete;
     ApplicationGtk& operator=(const ApplicationGtk&) = delete;
 
-    // Runs until the main window closes; gives the exit status.
+    // Runs until the main window closes; gives the exit status. The application takes no
+    // arguments: whatever is given is ignored (a launcher may pass a file or an address), but
+    // "--help", which prints one line.
     int executer(int argc, char** argv);
 
     void construireMenus() override;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "brand/marque.hpp"
+#include "outils_gtk.hpp"
 
 namespace brindex::gtk {
 
@@ -63,11 +64,12 @@ GtkWidget* etiquette(const std::string& texte, const char* classe) {
 }  // namespace
 
 void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
-                   std::function<void(ReponseAlerte)> reponse) {
+                   std::function<void(ReponseAlerte)> reponse, Modalite modalite) {
     GtkWidget* fenetre = gtk_window_new();
     gtk_widget_add_css_class(fenetre, "alerte");
     gtk_window_set_title(GTK_WINDOW(fenetre), std::string(Marque::nom).c_str());
-    gtk_window_set_modal(GTK_WINDOW(fenetre), TRUE);
+    const bool feuille = modalite == Modalite::feuille && parent;
+    gtk_window_set_modal(GTK_WINDOW(fenetre), !feuille);
     gtk_window_set_resizable(GTK_WINDOW(fenetre), FALSE);
     if (parent) {
         gtk_window_set_transient_for(GTK_WINDOW(fenetre), parent);
@@ -77,6 +79,16 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
         }
     }
 
+    // A sheet blocks only its window's content, until it closes.
+    GtkWidget* bloque = feuille ? gtk_window_get_child(parent) : nullptr;
+    if (bloque) {
+        gtk_widget_set_sensitive(bloque, FALSE);
+        reponse = [suite = std::move(reponse),
+                   b = Ref<GtkWidget>::partager(bloque)](ReponseAlerte r) {
+            gtk_widget_set_sensitive(b.get(), TRUE);
+            if (suite) suite(std::move(r));
+        };
+    }
     auto* etat = new EtatAlerte{std::move(reponse)};
     // The state dies with the window; if the window goes without an answer, it still answers.
     g_object_set_data_full(G_OBJECT(fenetre), "etat-alerte", etat, [](gpointer p) {
@@ -118,6 +130,7 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
 
     // Rightmost first: the first button is the one Return presses.
     GtkWidget* rangee = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 8);
+    GtkWidget* premier = nullptr;
     gtk_widget_set_halign(rangee, GTK_ALIGN_END);
     gtk_widget_set_margin_top(rangee, 8);
     for (std::size_t i = alerte.boutons.size(); i-- > 0;) {
@@ -129,12 +142,15 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
         gtk_box_append(GTK_BOX(rangee), b);
         if (i == 0) {
             gtk_widget_add_css_class(b, "suggested-action");
-            gtk_window_set_default_widget(GTK_WINDOW(fenetre), b);
-            if (!etat->champ) gtk_window_set_focus(GTK_WINDOW(fenetre), b);
+            premier = b;
         }
     }
     gtk_box_append(GTK_BOX(colonne), rangee);
     gtk_window_set_child(GTK_WINDOW(fenetre), colonne);
+    // Only a widget already in the window can be its default or take its focus: set earlier,
+    // the focus went to the leftmost button, and Return answered "Annuler".
+    gtk_window_set_default_widget(GTK_WINDOW(fenetre), premier);
+    gtk_window_set_focus(GTK_WINDOW(fenetre), etat->champ ? etat->champ : premier);
     g_signal_connect(fenetre, "close-request", G_CALLBACK(surFermeture), nullptr);
 
     // Escape dismisses the alert.
@@ -145,7 +161,6 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
                          gtk_named_action_new("window.close")));
     gtk_widget_add_controller(fenetre, touches);
 
-    if (etat->champ) gtk_widget_grab_focus(etat->champ);
     gtk_window_present(GTK_WINDOW(fenetre));
 }
 
@@ -156,7 +171,7 @@ void choisirFichiers(GtkWindow* parent, const DemandeFichiers& demande,
                                             : GTK_FILE_CHOOSER_ACTION_OPEN;
     GtkFileChooserNative* selecteur = gtk_file_chooser_native_new(
         std::string(Marque::nom).c_str(), parent, action, "Ouvrir", "Annuler");
-    gtk_native_dialog_set_modal(GTK_NATIVE_DIALOG(selecteur), TRUE);
+    gtk_native_dialog_set_modal(GTK_NATIVE_DIALOG(selecteur), FALSE);
     gtk_file_chooser_set_select_multiple(GTK_FILE_CHOOSER(selecteur), demande.plusieurs);
     gtk_file_chooser_set_create_folders(GTK_FILE_CHOOSER(selecteur), demande.creerDossiers);
 

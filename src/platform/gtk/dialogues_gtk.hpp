@@ -8,13 +8,17 @@
 
 namespace brindex::gtk {
 
-// A modal alert over `parent`: a heading, the explanation, an optional one-line field and the
-// buttons, the first one rightmost and pressed by Return. `reponse` runs exactly once, when
-// the alert closes (with no button when it is dismissed).
+// An alert over `parent`: a heading, the explanation, an optional one-line field and the
+// buttons, the first one rightmost and pressed by Return, Escape dismissing. `reponse` runs
+// exactly once, when the alert closes (with no button when it is dismissed). Modal to the whole
+// application, or, as a sheet, to `parent` alone: the other windows stay usable.
+enum class Modalite { application, feuille };
 void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
-                   std::function<void(ReponseAlerte)> reponse);
+                   std::function<void(ReponseAlerte)> reponse,
+                   Modalite modalite = Modalite::application);
 
-// The system's file chooser; `reponse` gets the chosen paths, or nothing when cancelled.
+// The system's file chooser, free-standing: the application stays usable while it is open.
+// `reponse` gets the chosen paths, or nothing when cancelled.
 void choisirFichiers(GtkWindow* parent, const DemandeFichiers& demande,
                      std::function<void(FichiersChoisis)> reponse);
 

@@ -17,7 +17,8 @@ struct Correspondance {
 };
 
 // WebKitGTK reports network failures with GLib's own errors: a refused port is
-// G_IO_ERROR_CONNECTION_REFUSED, an unknown host a G_RESOLVER_ERROR, a server that closes
+// G_IO_ERROR_CONNECTION_REFUSED, an unknown host a G_RESOLVER_ERROR (a temporary one when no
+// DNS server can be reached), a server that closes
 // without answering G_IO_ERROR_PARTIAL_INPUT. A load the user stopped or replaced comes as
 // WebKitNetworkError/302; G_IO_ERROR_CANCELLED is left out on purpose, since a refused
 // certificate can come back as it and must not pass for a silent cancel.
@@ -25,6 +26,7 @@ const Correspondance table[] = {
     {webkit_network_error_quark, WEBKIT_NETWORK_ERROR_CANCELLED, domaineUrl, -999},
     {webkit_policy_error_quark, WEBKIT_POLICY_ERROR_FRAME_LOAD_INTERRUPTED_BY_POLICY_CHANGE,
      domaineWebKit, 102},
+    {g_resolver_error_quark, G_RESOLVER_ERROR_TEMPORARY_FAILURE, domaineUrl, -1009},
     {g_resolver_error_quark, -1, domaineUrl, -1003},
     {g_io_error_quark, G_IO_ERROR_HOST_NOT_FOUND, domaineUrl, -1003},
     {g_io_error_quark, G_IO_ERROR_CONNECTION_REFUSED, domaineUrl, -1004},
@@ -40,12 +42,14 @@ const Correspondance table[] = {
 
 }  // namespace
 
-ErreurChargement erreurDepuisGError(const GError* erreur) {
+ErreurChargement erreurDepuisGError(const GError* erreur, bool reseau) {
     if (!erreur) return {std::string(domaineUrl), -1, "Erreur inconnue"};
     const std::string message = erreur->message ? erreur->message : "";
     for (const auto& c : table) {
         if (erreur->domain == c.domaine() && (c.code == -1 || c.code == erreur->code)) {
-            return {std::string(c.domaineCible), c.codeCible, message};
+            // Offline, every name is "not found": the network is what is missing.
+            const bool horsLigne = c.codeCible == -1003 && !reseau;
+            return {std::string(c.domaineCible), horsLigne ? -1009 : c.codeCible, message};
         }
     }
     const char* domaine = g_quark_to_string(erreur->domain);

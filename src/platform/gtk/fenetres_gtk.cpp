@@ -104,7 +104,8 @@ void FenetreGtk<Interface>::fermer() {
 
 template <typename Interface>
 void FenetreGtk<Interface>::feuille(const Alerte& alerte) {
-    montrerAlerte(fenetre(), alerte, [](ReponseAlerte) {});
+    montrerAlerte(
+        fenetre(), alerte, [](ReponseAlerte) {}, Modalite::feuille);
 }
 
 template class FenetreGtk<FenetrePrincipale>;

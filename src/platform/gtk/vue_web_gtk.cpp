@@ -1,5 +1,6 @@
 #include "vue_web_gtk.hpp"
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,24 @@ WebKitSettings* reglagesMoteur(const ParametresVueWeb& parametres) {
     webkit_settings_set_enable_back_forward_navigation_gestures(reglages,
                                                                 parametres.gestesHistorique);
     return reglages;
+}
+
+// A text as a JavaScript string literal.
+std::string texteJavaScript(const std::string& texte) {
+    std::string litteral = "\"";
+    for (const char c : texte) {
+        if (c == '"' || c == '\\') {
+            litteral += '\\';
+            litteral += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            char echappe[8];
+            std::snprintf(echappe, sizeof echappe, "\\u%04x", c);
+            litteral += echappe;
+        } else {
+            litteral += c;
+        }
+    }
+    return litteral + "\"";
 }
 
 ActionNavigation actionDepuis(WebKitNavigationAction* action, CadreCible cible) {
@@ -104,6 +123,7 @@ VueWebGtk::VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
 }
 
 VueWebGtk::~VueWebGtk() {
+    *vivante_ = nullptr;
     detacher();
     // Dialogs still open answer now, while their view is still there to hear it.
     for (const auto& faible : dialogues_) {
@@ -197,15 +217,19 @@ gboolean VueWebGtk::surPolitique(WebKitWebView*, WebKitPolicyDecision* decision,
     switch (type) {
         case WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION:
         case WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION: {
-            // WebKitGTK doesn't say which frame a navigation targets: every navigation
-            // action is held to the view's origin as if it filled the view.
+            // WebKitGTK doesn't say which frame a navigation targets; its response does.
             const auto cible = type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION
                                    ? CadreCible::aucun
-                                   : CadreCible::principal;
+                                   : CadreCible::inconnu;
             auto* navigation = WEBKIT_NAVIGATION_POLICY_DECISION(decision);
             const auto action = actionDepuis(
                 webkit_navigation_policy_decision_get_navigation_action(navigation), cible);
-            appliquer(decision, c->deciderAction(*vue, action));
+            if (cible == CadreCible::inconnu && action.type == TypeNavigation::lienActive &&
+                action.gesteUtilisateur == true) {
+                vue->deciderLienActive(decision, action);
+            } else {
+                appliquer(decision, c->deciderAction(*vue, action));
+            }
             return TRUE;
         }
         case WEBKIT_POLICY_DECISION_TYPE_RESPONSE: {
@@ -219,6 +243,9 @@ gboolean VueWebGtk::surPolitique(WebKitWebView*, WebKitPolicyDecision* decision,
                     texte(soup_message_headers_get_one(entetes, "Content-Disposition"));
             }
             valeur.typeAffichable = webkit_response_policy_decision_is_mime_type_supported(reponse);
+            valeur.url = texte(r ? webkit_uri_response_get_uri(r) : nullptr);
+            valeur.cadrePrincipal =
+                webkit_response_policy_decision_is_main_frame_main_resource(reponse) != FALSE;
             appliquer(decision, c->deciderReponse(*vue, valeur));
             return TRUE;
         }
@@ -226,6 +253,51 @@ gboolean VueWebGtk::surPolitique(WebKitWebView*, WebKitPolicyDecision* decision,
     // Deny what isn't known.
     webkit_policy_decision_ignore(decision);
     return TRUE;
+}
+
+void VueWebGtk::deciderLienActive(WebKitPolicyDecision* decision, ActionNavigation action) {
+    // The user's own click or key on a link. When the page shows that it was a link of the main
+    // document aimed at the document itself, the main frame navigates, and a link leaving the
+    // space goes to the browser without being loaded here first. Anything else (a link inside a
+    // frame, which may aim at the top or at its own frame; a link aimed at a named frame) is left
+    // to the response, which names its frame. The answer waits for the page.
+    std::string element = "document.activeElement";
+    if (dernierClic_) {
+        const double zoom = webkit_web_view_get_zoom_level(vue_.get());
+        element = "document.elementFromPoint(" + std::to_string(dernierClic_->first / zoom) + ", " +
+                  std::to_string(dernierClic_->second / zoom) + ")";
+    }
+    const std::string source = "((url) => { const a = " + element +
+                               "?.closest('a, area'); if (!a || a.href !== url) return false;"
+                               " return ['', '_self', '_top', '_parent'].includes("
+                               "(a.getAttribute('target') || '').toLowerCase()); })(" +
+                               texteJavaScript(action.url.value_or("")) + ")";
+    struct Attente {
+        std::weak_ptr<VueWebGtk*> vue;
+        Ref<WebKitPolicyDecision> decision;
+        ActionNavigation action;
+    };
+    auto* attente =
+        new Attente{vivante_, Ref<WebKitPolicyDecision>::partager(decision), std::move(action)};
+    webkit_web_view_evaluate_javascript(
+        vue_.get(), source.c_str(), -1, nullptr, nullptr, nullptr,
+        [](GObject* objet, GAsyncResult* resultat, gpointer donnees) {
+            std::unique_ptr<Attente> a(static_cast<Attente*>(donnees));
+            JSCValue* valeur = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(objet),
+                                                                          resultat, nullptr);
+            a->action.cible = valeur && jsc_value_to_boolean(valeur) ? CadreCible::principal
+                                                                     : CadreCible::inconnu;
+            if (valeur) g_object_unref(valeur);
+            const auto vivante = a->vue.lock();
+            VueWebGtk* vue = vivante ? *vivante : nullptr;
+            const auto c = vue ? vue->controleur_.lock() : nullptr;
+            if (!c || !vue->attachee_) {
+                webkit_policy_decision_ignore(a->decision.get());
+                return;
+            }
+            appliquer(a->decision.get(), c->deciderAction(*vue, a->action));
+        },
+        attente);
 }
 
 void VueWebGtk::surChargement(WebKitWebView*, WebKitLoadEvent evenement, gpointer donnees) {
@@ -237,23 +309,29 @@ void VueWebGtk::surChargement(WebKitWebView*, WebKitLoadEvent evenement, gpointe
     if (const auto c = vue->controleur_.lock()) c->chargementTermine(*vue);
 }
 
-gboolean VueWebGtk::surEchec(WebKitWebView*, WebKitLoadEvent, char*, GError* erreur,
+gboolean VueWebGtk::surEchec(WebKitWebView*, WebKitLoadEvent, char* url, GError* erreur,
                              gpointer donnees) {
     VueWebGtk* vue = soi(donnees);
     vue->echec_ = true;
     vue->annulerDelai();
-    if (const auto c = vue->controleur_.lock()) c->traiterEchec(erreurDepuisGError(erreur), *vue);
+    if (const auto c = vue->controleur_.lock()) {
+        auto valeur = erreurDepuisGError(erreur);
+        valeur.url = texte(url);
+        c->traiterEchec(valeur, *vue);
+    }
     // No engine error page: the application explains failures itself.
     return TRUE;
 }
 
-gboolean VueWebGtk::surEchecTls(WebKitWebView*, char*, GTlsCertificate*,
+gboolean VueWebGtk::surEchecTls(WebKitWebView*, char* url, GTlsCertificate*,
                                 GTlsCertificateFlags defauts, gpointer donnees) {
     VueWebGtk* vue = soi(donnees);
     vue->echec_ = true;
     vue->annulerDelai();
     if (const auto c = vue->controleur_.lock()) {
-        c->traiterEchec(erreurTls(defauts, "Le certificat du serveur n'est pas valide."), *vue);
+        auto erreur = erreurTls(defauts, "Le certificat du serveur n'est pas valide.");
+        erreur.url = texte(url);
+        c->traiterEchec(erreur, *vue);
     }
     return TRUE;
 }
@@ -297,6 +375,22 @@ gboolean VueWebGtk::surEntree(GtkEventControllerLegacy*, GdkEvent* evenement, gp
         (type == GDK_KEY_PRESS && gdk_key_event_get_keyval(evenement) != GDK_KEY_Escape &&
          !gdk_key_event_is_modifier(evenement));
     if (!demande) return FALSE;
+    vue->dernierClic_.reset();
+    double x = 0;
+    double y = 0;
+    if (type != GDK_KEY_PRESS && gdk_event_get_position(evenement, &x, &y)) {
+        // From the surface's coordinates to the view's.
+        GtkNative* native = gtk_widget_get_native(vue->widget());
+        double dx = 0;
+        double dy = 0;
+        gtk_native_get_surface_transform(native, &dx, &dy);
+        const graphene_point_t surface =
+            GRAPHENE_POINT_INIT(static_cast<float>(x - dx), static_cast<float>(y - dy));
+        graphene_point_t point{};
+        if (gtk_widget_compute_point(GTK_WIDGET(native), vue->widget(), &surface, &point)) {
+            vue->dernierClic_ = std::pair<double, double>(point.x, point.y);
+        }
+    }
     if (const auto c = vue->controleur_.lock()) c->activationUtilisateur();
     return FALSE;
 }

@@ -70,6 +70,8 @@ class VueWebGtk : public VueWeb {
     static void surFinProcessus(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer);
     static gboolean surEntree(GtkEventControllerLegacy*, GdkEvent*, gpointer);
     void annulerDelai();
+    // Decides a link the user activated once the page has said whether it lies in a frame.
+    void deciderLienActive(WebKitPolicyDecision* decision, ActionNavigation action);
 
     Ref<WebKitWebView> vue_;
     std::weak_ptr<Controleur> controleur_;
@@ -83,6 +85,10 @@ class VueWebGtk : public VueWeb {
     std::vector<std::weak_ptr<DialogueEnAttente>> dialogues_;
     // Sees the presses inside the page (owned by the widget).
     GtkEventController* entrees_ = nullptr;
+    // Where the last press was, in the page's coordinates: a key press has none.
+    std::optional<std::pair<double, double>> dernierClic_;
+    // Lets an answer that comes after the view has gone find nothing.
+    std::shared_ptr<VueWebGtk*> vivante_ = std::make_shared<VueWebGtk*>(this);
 };
 
 }  // namespace brindex::gtk
