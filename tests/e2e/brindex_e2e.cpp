@@ -95,6 +95,51 @@ GtkWidget* alerte(ApplicationGtk& app, double secondes = 20) {
     return GTK_WIDGET(gtk_widget_get_root(exiger(app, "bouton-0", secondes)));
 }
 
+// This process and all it started (WebKit's processes among them).
+std::vector<std::string> descendants() {
+    std::vector<std::string> pids;
+    for (const auto& entree : fs::directory_iterator("/proc")) {
+        const std::string pid = entree.path().filename();
+        if (pid.find_first_not_of("0123456789") != std::string::npos) continue;
+        for (std::string p = pid; !p.empty() && p != "0" && p != "1";) {
+            if (p == std::to_string(getpid())) {
+                pids.push_back(pid);
+                break;
+            }
+            const std::string stat = lireFichier("/proc/" + p + "/stat");
+            std::istringstream champs(stat.substr(stat.rfind(')') + 2));
+            std::string etat;
+            champs >> etat >> p;
+        }
+    }
+    return pids;
+}
+
+// The web content processes of the pages.
+std::vector<int> processusWeb() {
+    std::vector<int> web;
+    for (const auto& pid : descendants()) {
+        if (contient(lireFichier("/proc/" + pid + "/comm"), "WebKitWebProces")) {
+            web.push_back(std::stoi(pid));
+        }
+    }
+    verifier(!web.empty(), "processus web introuvable");
+    return web;
+}
+
+// The proportional set size of the whole process tree, in kB.
+long pssArbre() {
+    long total = 0;
+    for (const auto& pid : descendants()) {
+        std::istringstream lignes(lireFichier("/proc/" + pid + "/smaps_rollup"));
+        for (std::string nom; lignes >> nom;) {
+            long valeur = 0;
+            if (nom == "Pss:" && lignes >> valeur) total += valeur;
+        }
+    }
+    return total;
+}
+
 // ---- Scenarios ----
 
 void premierDemarrage(ApplicationGtk& app) {
@@ -129,6 +174,10 @@ void premierDemarrage(ApplicationGtk& app) {
     verifier(gtk::ReglagesGtk::parDefaut().lire("espaceURL") == espace(), "adresse enregistrée");
     verifier(requeteVue("/", "Brindex-Desktop/1.0.0\""), "la page avec l'agent en suffixe");
     verifier(contient(journal(), "demarrage v1.0.0"), "ligne de démarrage");
+    // Xvfb has no GPU: the light renderer, chosen by the application itself.
+    verifier(contient(journal(), "rendu logiciel (") &&
+                 contient(journal(), "), cairo, sans composition"),
+             journal());
     const std::string titre = script(vue, "document.title");
     attendre([&] { return titre == gtk_window_get_title(principale(app)); }, 10,
              "titre de la fenêtre = titre de la page");
@@ -288,6 +337,22 @@ void popup(ApplicationGtk& app) {
     cliquerDans(vue, "#ouvrir-vierge");
     secondaire();
     verifier(app.controleur()->originesWebView().size() == 2, "tenue à l'origine de l'ouvreur");
+
+    // Twenty popups opened and closed by the user: their memory comes back, and no web process
+    // outlives its window.
+    app.controleur()->fermerFenetresSecondaires();
+    patienter(1);
+    const long avant = pssArbre();
+    const auto webAvant = processusWeb().size();
+    for (int i = 0; i < 20; ++i) {
+        cliquerDans(vue, "#ouvrir-fenetre");
+        gtk_window_close(secondaire());
+        attendre([&] { return fenetresVisibles(app).size() == 1; }, 10, "popup fermée");
+    }
+    patienter(2);
+    const long apres = pssArbre();
+    verifier(apres < avant * 1.1 && processusWeb().size() == webAvant,
+             "mémoire " + std::to_string(avant) + " → " + std::to_string(apres) + " ko");
 
     // Closing the main window closes the others and ends the application; its size stays.
     gtk_window_close(principale(app));
@@ -451,33 +516,14 @@ void dialogues(ApplicationGtk& app) {
     attendreJournal(brouillon, 2);
 }
 
-// The web content process of the page: a descendant of this process.
-int processusWeb() {
-    for (const auto& entree : fs::directory_iterator("/proc")) {
-        const std::string pid = entree.path().filename();
-        if (pid.find_first_not_of("0123456789") != std::string::npos ||
-            !contient(lireFichier("/proc/" + pid + "/comm"), "WebKitWebProces")) {
-            continue;
-        }
-        for (std::string p = pid; !p.empty() && p != "1";) {
-            if (p == std::to_string(getpid())) return std::stoi(pid);
-            const std::string stat = lireFichier("/proc/" + p + "/stat");
-            std::istringstream champs(stat.substr(stat.rfind(')') + 2));
-            std::string etat;
-            champs >> etat >> p;
-        }
-    }
-    echouer("processus web introuvable");
-}
-
 // A space stored in a form the engine writes differently; then its web process dies twice.
 void processusWebMort(ApplicationGtk& app) {
     attendreEspace(app);
     verifier(!contient(journal(), "REFUSEE"), journal());
-    kill(processusWeb(), SIGKILL);
+    kill(processusWeb().front(), SIGKILL);
     attendreJournal("processus web ECHEC plantage");
     attendreJournal("navigation OK " + espace(), 2);
-    kill(processusWeb(), SIGKILL);
+    kill(processusWeb().front(), SIGKILL);
     const std::string explication = texte(exiger(app, "explication"));
     verifier(contient(explication, "s'est arrêtée de façon inattendue"), explication);
 }

@@ -86,8 +86,6 @@ def main():
             "BRINDEX_E2E_TELECHARGEMENTS": telechargements,
             "BRINDEX_E2E_SERVEUR_PID": str(serveur.pid),
             "BRINDEX_E2E_PORT_LIBRE": str(port_libre),
-            "GSK_RENDERER": "cairo",
-            "WEBKIT_DISABLE_COMPOSITING_MODE": "1",
             "GTK_A11Y": "none",
             "NO_AT_BRIDGE": "1",
             "LANG": "C.UTF-8",

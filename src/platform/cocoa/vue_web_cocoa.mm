@@ -82,14 +82,31 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
     decideDestinationUsingResponse:(NSURLResponse *)response
                  suggestedFilename:(NSString *)suggestedFilename
                  completionHandler:(void (^)(NSURL *_Nullable))completionHandler {
-    const auto controleur = _controleur.lock();
-    if (!controleur) {
+    if (!_controleur.lock()) {
         completionHandler(nil);
         return;
     }
-    const std::string destination = controleur->destinationTelechargement(
-        [self entree:download], brindex::cocoa::texte(suggestedFilename));
-    completionHandler([NSURL fileURLWithPath:ns(destination)]);
+    // The Downloads folder is protected: the first look into it may wait for the user's consent.
+    // That wait happens off the main thread, and the destination is chosen once it is over (a
+    // refusal ends in the download's failure, and its alert).
+    NSURL *dossier = [NSFileManager.defaultManager URLsForDirectory:NSDownloadsDirectory
+                                                          inDomains:NSUserDomainMask]
+                         .firstObject;
+    __weak BrindexDelegueTelechargements *faible = self;
+    dispatch_async(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
+        if (dossier) (void)[NSFileManager.defaultManager fileExistsAtPath:dossier.path];
+        dispatch_async(dispatch_get_main_queue(), ^{
+            BrindexDelegueTelechargements *soi = faible;
+            const auto controleur = soi ? soi->_controleur.lock() : nullptr;
+            if (!controleur) {
+                completionHandler(nil);
+                return;
+            }
+            const std::string destination = controleur->destinationTelechargement(
+                [soi entree:download], brindex::cocoa::texte(suggestedFilename));
+            completionHandler([NSURL fileURLWithPath:ns(destination)]);
+        });
+    });
 }
 
 - (void)downloadDidFinish:(WKDownload *)download {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/menus.hpp"
+#include "app/rendu.hpp"
 #include "log/journal.hpp"
 #include "services_gtk.hpp"
 
@@ -116,7 +117,15 @@ void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
     Journal::definirChemin(cheminJournalGtk());
     // The installed icon, named after the application.
     gtk_window_set_default_icon_name(std::string(Marque::identifiant).c_str());
+    jalon("application enregistree");
+    // The renderer, before GTK makes one for the first window.
+    const auto rendu = choisirRendu(rendeurGlGtk(), g_getenv("GSK_RENDERER") != nullptr,
+                                    g_getenv("WEBKIT_DISABLE_COMPOSITING_MODE") != nullptr);
+    if (rendu.rendeurCairo) g_setenv("GSK_RENDERER", "cairo", TRUE);
+    Journal::ecrire(rendu.ligneJournal);
+    jalon("rendu choisi");
     soi->plateforme_ = std::make_unique<PlateformeGtk>(soi->application_.get());
+    soi->plateforme_->definirSansComposition(rendu.sansComposition);
     soi->controleur_ = Controleur::creer(*soi->plateforme_);
     soi->plateforme_->definirControleur(soi->controleur_);
     if (const auto principale = soi->plateforme_->fenetrePrincipale()) {
@@ -124,7 +133,9 @@ void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
         g_signal_connect_swapped(principale->fenetre(), "destroy", G_CALLBACK(g_application_quit),
                                  soi->application_.get());
     }
+    jalon("fenetre construite");
     lancer(*soi, *soi->controleur_);
+    jalon("lancement fini");
     if (soi->apresLancement) soi->apresLancement();
 }
 

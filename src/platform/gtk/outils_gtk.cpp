@@ -125,3 +125,19 @@ GdkPaintable* icone() {
 }
 
 }  // namespace brindex::gtk
+
+namespace brindex::gtk {
+
+namespace {
+// Taken before main runs.
+const gint64 debutProgramme = g_get_monotonic_time();
+const bool traceDemandee = g_getenv("BRINDEX_TRACE") != nullptr;
+}  // namespace
+
+void jalon(const char* quoi) {
+    if (!traceDemandee) return;
+    g_printerr("brindex +%lld %s\n",
+               static_cast<long long>((g_get_monotonic_time() - debutProgramme) / 1000), quoi);
+}
+
+}  // namespace brindex::gtk

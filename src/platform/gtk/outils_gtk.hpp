@@ -59,3 +59,11 @@ void installerStyle();
 GdkPaintable* icone();
 
 }  // namespace brindex::gtk
+
+namespace brindex::gtk {
+
+// With BRINDEX_TRACE set, writes "brindex +<ms> <what>" to standard error: the milestones of
+// the launch, from the program's start (scripts/banc-essai --jalons reads them).
+void jalon(const char* quoi);
+
+}  // namespace brindex::gtk

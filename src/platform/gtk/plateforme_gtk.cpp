@@ -38,8 +38,9 @@ std::shared_ptr<FenetrePrincipale> PlateformeGtk::creerFenetrePrincipale(
 std::shared_ptr<VueWeb> PlateformeGtk::creerVueWeb(const ParametresVueWeb& parametres,
                                                    const ConfigurationMoteur* configuration) {
     const auto* gtkConfiguration = dynamic_cast<const ConfigurationGtk*>(configuration);
-    return std::make_shared<VueWebGtk>(
-        parametres, gtkConfiguration ? gtkConfiguration->ouvreur : nullptr, controleur_);
+    return std::make_shared<VueWebGtk>(parametres,
+                                       gtkConfiguration ? gtkConfiguration->ouvreur : nullptr,
+                                       controleur_, sansComposition_);
 }
 
 std::shared_ptr<Fenetre> PlateformeGtk::creerFenetreSecondaire(const ParametresFenetre& parametres,

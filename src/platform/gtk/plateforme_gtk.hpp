@@ -34,6 +34,8 @@ class PlateformeGtk : public Plateforme {
 
     // The controller that the engine's callbacks reach; held weakly.
     void definirControleur(std::weak_ptr<Controleur> controleur);
+    // Web views then never composite in hardware (GL would run in software).
+    void definirSansComposition(bool sansComposition) { sansComposition_ = sansComposition; }
 
     std::shared_ptr<FenetrePrincipale> creerFenetrePrincipale(
         const ParametresFenetre& parametres, std::function<void()> vaFermer) override;
@@ -74,6 +76,7 @@ class PlateformeGtk : public Plateforme {
     TransportSoup transport_;
     std::weak_ptr<FenetrePrincipaleGtk> principale_;
     std::map<WebKitDownload*, std::shared_ptr<TelechargementGtk>> telechargements_;
+    bool sansComposition_ = false;
 };
 
 }  // namespace brindex::gtk

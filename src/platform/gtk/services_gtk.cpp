@@ -1,6 +1,9 @@
 #include "services_gtk.hpp"
 
+#include <epoxy/gl.h>
+
 #include <gio/gio.h>
+#include <gtk/gtk.h>
 
 namespace brindex::gtk {
 
@@ -78,6 +81,23 @@ std::string cheminJournalGtk() {
     g_free(chemin);
     g_free(dossier);
     return resultat;
+}
+
+std::optional<std::string> rendeurGlGtk() {
+    GdkDisplay* affichage = gdk_display_get_default();
+    if (!affichage) return std::nullopt;
+    GdkGLContext* contexte = gdk_display_create_gl_context(affichage, nullptr);
+    if (!contexte) return std::nullopt;
+    std::optional<std::string> rendeur;
+    if (gdk_gl_context_realize(contexte, nullptr)) {
+        gdk_gl_context_make_current(contexte);
+        if (const auto* texte = reinterpret_cast<const char*>(glGetString(GL_RENDERER))) {
+            rendeur = texte;
+        }
+        gdk_gl_context_clear_current();
+    }
+    g_object_unref(contexte);
+    return rendeur;
 }
 
 }  // namespace brindex::gtk

@@ -17,4 +17,8 @@ std::string dossierPersonnelGtk();
 // $XDG_STATE_HOME/brindex/Brindex.log, its folder created.
 std::string cheminJournalGtk();
 
+// The renderer string of a GL context made on the default display, or nothing when GL can't
+// be had at all.
+std::optional<std::string> rendeurGlGtk();
+
 }  // namespace brindex::gtk

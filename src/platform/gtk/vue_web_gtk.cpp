@@ -99,9 +99,13 @@ struct DialogueEnAttente {
 };
 
 VueWebGtk::VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
-                     std::weak_ptr<Controleur> controleur)
+                     std::weak_ptr<Controleur> controleur, bool sansComposition)
     : controleur_(std::move(controleur)) {
     WebKitSettings* reglages = reglagesMoteur(parametres);
+    if (sansComposition) {
+        webkit_settings_set_hardware_acceleration_policy(reglages,
+                                                         WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+    }
     GObject* objet = nullptr;
     if (ouvreur) {
         // A popup must share its opener's web process and session.
@@ -120,6 +124,7 @@ VueWebGtk::VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
     gtk_widget_set_hexpand(widget(), TRUE);
     gtk_widget_set_vexpand(widget(), TRUE);
     connecter();
+    jalon("vue web creee");
 }
 
 VueWebGtk::~VueWebGtk() {
@@ -170,6 +175,7 @@ void VueWebGtk::charger(const std::string& url, double delaiSecondes) {
     if (delaiSecondes > 0) {
         delai_ = g_timeout_add(static_cast<guint>(delaiSecondes * 1000), surDelaiDepasse, this);
     }
+    jalon("chargement demande");
     webkit_web_view_load_uri(vue_.get(), url.c_str());
 }
 void VueWebGtk::arreter() {
@@ -303,6 +309,10 @@ void VueWebGtk::deciderLienActive(WebKitPolicyDecision* decision, ActionNavigati
 void VueWebGtk::surChargement(WebKitWebView*, WebKitLoadEvent evenement, gpointer donnees) {
     VueWebGtk* vue = soi(donnees);
     if (evenement == WEBKIT_LOAD_STARTED) vue->echec_ = false;
+    jalon(evenement == WEBKIT_LOAD_STARTED     ? "requete envoyee"
+          : evenement == WEBKIT_LOAD_COMMITTED ? "premiere reponse"
+          : evenement == WEBKIT_LOAD_FINISHED  ? "chargement fini"
+                                               : "redirection");
     // The server has answered: the time-out no longer applies.
     if (evenement == WEBKIT_LOAD_COMMITTED) vue->annulerDelai();
     if (evenement != WEBKIT_LOAD_FINISHED || vue->echec_) return;

@@ -25,8 +25,9 @@ class ConfigurationGtk : public ConfigurationMoteur {
 class VueWebGtk : public VueWeb {
   public:
     // `ouvreur`: the web view whose page asked for this one, which shares its session.
+    // `sansComposition`: WebKit never composites in hardware.
     VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
-              std::weak_ptr<Controleur> controleur);
+              std::weak_ptr<Controleur> controleur, bool sansComposition);
     ~VueWebGtk() override;
     VueWebGtk(const VueWebGtk&) = delete;
     VueWebGtk& operator=(const VueWebGtk&) = delete;

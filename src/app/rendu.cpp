@@ -1,0 +1,39 @@
+#include "app/rendu.hpp"
+
+#include <array>
+
+#include "address/url.hpp"
+
+namespace brindex {
+
+namespace {
+
+// What Mesa, Google and Microsoft call their software rasterisers.
+constexpr std::array<std::string_view, 7> rendeursLogiciels = {"llvmpipe",
+                                                               "softpipe",
+                                                               "swrast",
+                                                               "software rasterizer",
+                                                               "swiftshader",
+                                                               "lavapipe",
+                                                               "microsoft basic render"};
+
+}  // namespace
+
+ChoixRendu choisirRendu(const std::optional<std::string>& rendeurGl, bool gskImpose,
+                        bool compositionImposee) {
+    ChoixRendu choix;
+    bool logiciel = !rendeurGl || rendeurGl->empty();
+    const std::string nom = enMinuscules(rendeurGl.value_or(""));
+    for (const auto r : rendeursLogiciels) logiciel = logiciel || nom.find(r) != std::string::npos;
+    choix.logiciel = logiciel;
+    choix.rendeurCairo = logiciel && !gskImpose;
+    choix.sansComposition = logiciel && !compositionImposee;
+    choix.ligneJournal = std::string("rendu ") + (logiciel ? "logiciel" : "materiel") + " (" +
+                         (rendeurGl ? *rendeurGl : std::string("pas de GL")) + ")";
+    if (choix.rendeurCairo) choix.ligneJournal += ", cairo";
+    if (choix.sansComposition) choix.ligneJournal += ", sans composition";
+    if (gskImpose || compositionImposee) choix.ligneJournal += ", environnement respecte";
+    return choix;
+}
+
+}  // namespace brindex

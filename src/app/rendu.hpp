@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace brindex {
+
+// How the windows and the pages are drawn. Without a GPU, GL runs in software (llvmpipe and the
+// like) at twice the memory and several times the processor of drawing with cairo and without
+// WebKit's compositing; with a GPU, the toolkit's and the engine's own choices are best.
+struct ChoixRendu {
+    bool logiciel = false;         // GL would run in software
+    bool rendeurCairo = false;     // GTK draws with cairo (set before its first window)
+    bool sansComposition = false;  // WebKit never composites in hardware
+    std::string ligneJournal;
+};
+
+// `rendeurGl`: the GL renderer string of a context made for the probe, or nothing when none
+// could be made. `gskImpose`, `compositionImposee`: the user chose through the environment
+// (GSK_RENDERER, WEBKIT_DISABLE_COMPOSITING_MODE), which always wins.
+ChoixRendu choisirRendu(const std::optional<std::string>& rendeurGl, bool gskImpose,
+                        bool compositionImposee);
+
+}  // namespace brindex
