@@ -1,23 +1,25 @@
+#include "address/sonde.hpp"
+
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <ostream>
 #include <string>
 #include <vector>
 
 #include "address/normalisation.hpp"
-#include "address/sonde.hpp"
+#include "support/plateforme_test.hpp"
 
 namespace brindex {
 namespace {
 
 using Cas = ResultatSonde::Cas;
+using Reponse = EchangeTermine::Reponse;
 
+const std::string marqueur = R"({"status":"up","service":"brindex"})";
 const std::string silence =
     "Le serveur ne répond pas. Il est peut-être arrêté, ou l'adresse est incomplète.";
-const std::string certificat = "Le certificat de sécurité du serveur n'est pas valide.";
-const std::string horsLigne = "Votre connexion internet semble coupée.";
+const std::string inattendue = "Réponse inattendue du serveur.";
 
+// Both leave the other fields at their defaults, as a transport that doesn't set them does.
 EchangeTermine erreur(std::int64_t code, std::string description = "description du système") {
     EchangeTermine e;
     e.erreur = ErreurTransport{code, std::move(description)};
@@ -25,102 +27,55 @@ EchangeTermine erreur(std::int64_t code, std::string description = "description 
 }
 
 EchangeTermine http(int statut, std::optional<std::string> corps) {
-    EchangeTermine e;
-    e.reponse = EchangeTermine::Reponse::http;
-    e.statut = statut;
-    e.corps = std::move(corps);
-    return e;
+    return {std::nullopt, Reponse::http, statut, std::move(corps)};
 }
 
-struct CasTri {
-    const char* nom;
-    EchangeTermine echange;
-    ResultatSonde attendu;
-    friend std::ostream& operator<<(std::ostream& o, const CasTri& c) { return o << c.nom; }
-};
-
-class TriDesReponses : public testing::TestWithParam<CasTri> {};
-TEST_P(TriDesReponses, DonneLeResultat) {
-    EXPECT_EQ(trierEchange(GetParam().echange), GetParam().attendu) << GetParam().nom;
+TEST(TriDesReponses, ErreursExpliqueesEtMarqueurDansUne200) {
+    const std::vector<std::pair<std::vector<std::int64_t>, std::string>> explications{
+        {{-1001, -1004}, silence},
+        {{-1005, -1009}, "Votre connexion internet semble coupée."},
+        {{-1200, -1201, -1202, -1204}, "Le certificat de sécurité du serveur n'est pas valide."},
+        {{-1003}, "Cette adresse n'existe pas. Vérifiez l'orthographe."},
+        {{-1203, -1007}, "description du système"},  // no text of ours: the system's
+    };
+    for (const auto& [codes, texte] : explications) {
+        for (const auto code : codes) {
+            EXPECT_EQ(trierEchange(erreur(code)), ResultatSonde::injoignable(texte)) << code;
+        }
+    }
+    EXPECT_EQ(trierEchange(erreur(-1011, std::string(50000, 'r'))),
+              ResultatSonde::injoignable(std::string(300, 'r') + "…"));
+    // An error wins over whatever response came before it.
+    EXPECT_EQ(trierEchange({ErreurTransport{-1001, "x"}, Reponse::http, 200, marqueur}),
+              ResultatSonde::injoignable(silence));
+    EXPECT_EQ(trierEchange(EchangeTermine{}), ResultatSonde::injoignable(inattendue));
+    EXPECT_EQ(trierEchange({std::nullopt, Reponse::autre, 200, marqueur}),
+              ResultatSonde::injoignable(inattendue));
+    // A space is known by its marker in a 200 response.
+    for (const std::string& corps :
+         {marqueur, std::string(R"(<html><p>"service":"brindex"</p></html>)"),
+          "caf\xC3\xA9 " + marqueur + " \xF0\x9F\x93\x9A"}) {
+        EXPECT_EQ(trierEchange(http(200, corps)), ResultatSonde::ok()) << corps;
+    }
+    // Reading stopped early, inside a character: the rest was never read.
+    auto partiel = http(200, marqueur + " caf\xC3");
+    partiel.corpsPartiel = true;
+    EXPECT_EQ(trierEchange(partiel), ResultatSonde::ok());
+    std::string utf16("\xFF\xFE", 2);
+    for (char c : std::string(R"("service":"brindex")")) utf16 += {c, '\0'};
+    // Not exactly the marker, or a body that is not UTF-8 (the last one read in full).
+    for (const std::string& corps :
+         {std::string(R"({"service": "brindex"})"), std::string(R"({"service":"Brindex"})"), utf16,
+          marqueur + "\xC0\xAF", marqueur + "\xED\xA0\x80", marqueur + " caf\xC3"}) {
+        EXPECT_EQ(trierEchange(http(200, corps)), ResultatSonde::pasUnEspace()) << corps;
+    }
+    EXPECT_EQ(trierEchange(http(200, std::nullopt)), ResultatSonde::pasUnEspace());
+    for (const int statut : {201, 204, 301, 401, 404, 500}) {
+        EXPECT_EQ(trierEchange(http(statut, marqueur)), ResultatSonde::pasUnEspace()) << statut;
+    }
 }
 
-const std::string marqueur = "{\"status\":\"up\",\"service\":\"brindex\"}";
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, TriDesReponses,
-    testing::Values(
-        CasTri{"delai", erreur(-1001), ResultatSonde::injoignable(silence)},
-        CasTri{"introuvable", erreur(-1003),
-               ResultatSonde::injoignable("Cette adresse n'existe pas. Vérifiez l'orthographe.")},
-        CasTri{"refus", erreur(-1004), ResultatSonde::injoignable(silence)},
-        CasTri{"perdue", erreur(-1005), ResultatSonde::injoignable(horsLigne)},
-        CasTri{"hors ligne", erreur(-1009), ResultatSonde::injoignable(horsLigne)},
-        CasTri{"tls", erreur(-1200), ResultatSonde::injoignable(certificat)},
-        CasTri{"date", erreur(-1201), ResultatSonde::injoignable(certificat)},
-        CasTri{"non fiable", erreur(-1202), ResultatSonde::injoignable(certificat)},
-        CasTri{"pas encore", erreur(-1204), ResultatSonde::injoignable(certificat)},
-        CasTri{"racine inconnue", erreur(-1203),
-               ResultatSonde::injoignable("description du système")},
-        CasTri{"autre code", erreur(-1007), ResultatSonde::injoignable("description du système")},
-        CasTri{"erreur avant reponse",
-               [] {
-                   auto e = http(200, marqueur);
-                   e.erreur = ErreurTransport{-1001, "x"};
-                   return e;
-               }(),
-               ResultatSonde::injoignable(silence)},
-        CasTri{"espace", http(200, marqueur), ResultatSonde::ok()},
-        CasTri{"marqueur dans une page", http(200, "<html><p>\"service\":\"brindex\"</p></html>"),
-               ResultatSonde::ok()},
-        CasTri{"espace apres deux-points", http(200, "{\"service\": \"brindex\"}"),
-               ResultatSonde::pasUnEspace()},
-        CasTri{"majuscules", http(200, "{\"service\":\"Brindex\"}"), ResultatSonde::pasUnEspace()},
-        CasTri{"200 sans corps", http(200, std::nullopt), ResultatSonde::pasUnEspace()},
-        CasTri{"201", http(201, marqueur), ResultatSonde::pasUnEspace()},
-        CasTri{"204", http(204, marqueur), ResultatSonde::pasUnEspace()},
-        CasTri{"301", http(301, marqueur), ResultatSonde::pasUnEspace()},
-        CasTri{"401", http(401, marqueur), ResultatSonde::pasUnEspace()},
-        CasTri{"404", http(404, marqueur), ResultatSonde::pasUnEspace()},
-        CasTri{"500", http(500, marqueur), ResultatSonde::pasUnEspace()},
-        CasTri{"utf-16",
-               http(200,
-                    [] {
-                        std::string corps("\xFF\xFE", 2);
-                        for (char c : std::string("\"service\":\"brindex\"")) {
-                            corps += c;
-                            corps += '\0';
-                        }
-                        return corps;
-                    }()),
-               ResultatSonde::pasUnEspace()},
-        CasTri{"utf-8 invalide", http(200, marqueur + "\xC0\xAF"), ResultatSonde::pasUnEspace()},
-        CasTri{"surrogat", http(200, marqueur + "\xED\xA0\x80"), ResultatSonde::pasUnEspace()},
-        CasTri{"utf-8 valide", http(200, "caf\xC3\xA9 " + marqueur + " \xF0\x9F\x93\x9A"),
-               ResultatSonde::ok()},
-        CasTri{"lu en partie, coupe dans un caractere",
-               [] {
-                   auto e = http(200, marqueur + " caf\xC3");
-                   e.corpsPartiel = true;
-                   return e;
-               }(),
-               ResultatSonde::ok()},
-        CasTri{"lu en entier, coupe dans un caractere", http(200, marqueur + " caf\xC3"),
-               ResultatSonde::pasUnEspace()},
-        CasTri{"description sans fin", erreur(-1011, std::string(50000, 'r')),
-               ResultatSonde::injoignable(std::string(300, 'r') + "…")},
-        CasTri{"aucune reponse", EchangeTermine{},
-               ResultatSonde::injoignable("Réponse inattendue du serveur.")},
-        CasTri{"reponse non http",
-               [] {
-                   EchangeTermine e;
-                   e.reponse = EchangeTermine::Reponse::autre;
-                   e.statut = 200;
-                   e.corps = marqueur;
-                   return e;
-               }(),
-               ResultatSonde::injoignable("Réponse inattendue du serveur.")}));
-
-TEST(RequeteSonde, VaSurLAdresseDeSante) {
+TEST(RequeteSonde, VaSurLAdresseDeSanteEtLitJusquAuMarqueurOuALaLimite) {
     const auto url = [](const char* t) { return requeteSonde(*normaliserAdresse(t)).url; };
     EXPECT_EQ(url("intranet"), "https://intranet/health");
     EXPECT_EQ(url("intranet/"), "https://intranet/health");
@@ -132,48 +87,34 @@ TEST(RequeteSonde, VaSurLAdresseDeSante) {
     EXPECT_EQ(requete.agentUtilisateur, "Brindex-Desktop/1.0.0");
     EXPECT_EQ(requete.delaiSecondes, 8.0);
     EXPECT_TRUE(requete.ignorerCache);
-}
-
-class TransportTest : public TransportHttp {
-  public:
-    void envoyer(const RequeteSonde& requete, std::function<void(EchangeTermine)> fin) override {
-        requetes.push_back(requete);
-        fins.push_back(std::move(fin));
-    }
-    std::vector<RequeteSonde> requetes;
-    std::vector<std::function<void(EchangeTermine)>> fins;
-};
-
-TEST(LectureSuffisante, AuMarqueurOuALaLimite) {
-    EXPECT_FALSE(lectureSuffisante("{\"status\":\"up\",\"service\":\"brin"));
+    // Its body is read up to the marker, or up to the limit.
+    EXPECT_FALSE(lectureSuffisante(R"({"status":"up","service":"brin)"));
     EXPECT_TRUE(lectureSuffisante(marqueur));
     EXPECT_FALSE(lectureSuffisante(std::string(limiteCorpsSonde - 1, ' ')));
     EXPECT_TRUE(lectureSuffisante(std::string(limiteCorpsSonde, ' ')));
 }
 
-TEST(SonderEspace, RappelleUneSeuleFoisAvecLeResultatTrie) {
-    TransportTest transport;
+TEST(SonderEspace, RappelleUneSeuleFoisAvecLeResultatTrieSondesIndependantes) {
+    test::TransportTest transport;
     std::vector<ResultatSonde> resultats;
     sonderEspace(transport, *normaliserAdresse("intranet/wiki"),
                  [&](ResultatSonde r) { resultats.push_back(r); });
     ASSERT_EQ(transport.requetes.size(), 1u);
     EXPECT_EQ(transport.requetes[0].url, "https://intranet/wiki/health");
     EXPECT_TRUE(resultats.empty()) << "the answer comes later, not during the call";
-    transport.fins[0](http(200, marqueur));
-    transport.fins[0](erreur(-1003));  // a faulty transport reporting twice
+    const auto fin = transport.enAttente[0];
+    fin(http(200, marqueur));
+    fin(erreur(-1003));  // a faulty transport reporting twice
     ASSERT_EQ(resultats.size(), 1u);
     EXPECT_EQ(resultats[0].cas(), Cas::ok);
-}
-
-TEST(SonderEspace, SondesIndependantes) {
-    TransportTest transport;
+    // Probes at the same time are independent.
     std::vector<Cas> cas;
-    sonderEspace(transport, *normaliserAdresse("a"),
-                 [&](ResultatSonde r) { cas.push_back(r.cas()); });
-    sonderEspace(transport, *normaliserAdresse("b"),
-                 [&](ResultatSonde r) { cas.push_back(r.cas()); });
-    transport.fins[1](http(404, ""));
-    transport.fins[0](erreur(-1004));
+    for (const char* adresse : {"a", "b"}) {
+        sonderEspace(transport, *normaliserAdresse(adresse),
+                     [&](ResultatSonde r) { cas.push_back(r.cas()); });
+    }
+    transport.enAttente[2](http(404, ""));
+    transport.enAttente[1](erreur(-1004));
     EXPECT_EQ(cas, (std::vector<Cas>{Cas::pasUnEspace, Cas::injoignable}));
 }
 

@@ -11,7 +11,7 @@
 namespace brindex {
 namespace {
 
-TEST(BarreDeMenus, SeptMenusDansLOrdre) {
+TEST(BarreDeMenus, SeptMenusEtLeursElementsDansLOrdreAvecTouchesCiblesEtCommandesUniques) {
     const auto barre = barreDeMenus();
     std::vector<std::string_view> titres;
     for (const auto& m : barre) titres.push_back(m.titreBarre);
@@ -22,38 +22,11 @@ TEST(BarreDeMenus, SeptMenusDansLOrdre) {
     EXPECT_EQ(barre[5].role, RoleMenu::fenetres);
     EXPECT_EQ(barre[6].role, RoleMenu::aide);
     for (std::size_t i = 1; i < barre.size(); ++i) EXPECT_EQ(barre[i].titre, barre[i].titreBarre);
-}
 
-TEST(BarreDeMenus, CommandesEtTouchesUniques) {
-    std::set<Commande> commandes;
-    std::set<std::string_view> selecteurs;
-    for (const auto& menu : barreDeMenus()) {
-        std::set<std::pair<std::string_view, std::uint32_t>> touches;
-        for (const auto& e : menu.elements) {
-            if (e.separateur) continue;
-            ASSERT_TRUE(e.commande) << e.titre;
-            EXPECT_TRUE(commandes.insert(*e.commande).second) << e.titre;
-            EXPECT_TRUE(selecteurs.insert(e.selecteur).second) << e.titre;
-            EXPECT_EQ(e.selecteur.back(), ':') << e.titre;
-            if (!e.touche.empty()) {
-                EXPECT_TRUE(touches.insert({e.touche, e.masque}).second) << e.titre;
-            }
-        }
-    }
-    EXPECT_EQ(commandes.size(), 26u) << "every command has its item";
-}
-
-struct Attendu {
-    std::string_view titre;
-    std::string_view touche;
-    std::uint32_t masque;
-    Cible cible;
-    std::string gtk;
-};
-
-TEST(BarreDeMenus, TitresTouchesCibles) {
     using C = Cible;
-    const std::vector<Attendu> attendus{
+    // clang-format off
+    // Every item but the separators, left to right: title, key, modifier mask, target, GTK accelerator.
+    const std::tuple<std::string_view, std::string_view, std::uint32_t, Cible, std::string> attendus[] = {
         {"À propos de Brindex", "", 0, C::aucune, ""},
         {"Masquer Brindex", "h", 0, C::aucune, "<Control>h"},
         {"Masquer les autres", "h", 0x180000, C::aucune, "<Control><Alt>h"},
@@ -81,62 +54,59 @@ TEST(BarreDeMenus, TitresTouchesCibles) {
         {"Site Brindex", "", 0, C::controleur, ""},
         {"Afficher le journal de diagnostic", "", 0, C::controleur, ""},
     };
-    std::size_t i = 0;
-    for (const auto& menu : barreDeMenus()) {
-        for (const auto& e : menu.elements) {
-            if (e.separateur) continue;
-            ASSERT_LT(i, attendus.size());
-            const auto& a = attendus[i++];
-            EXPECT_EQ(e.titre, a.titre);
-            EXPECT_EQ(e.touche, a.touche) << a.titre;
-            EXPECT_EQ(e.masque, a.masque) << a.titre;
-            EXPECT_EQ(cibleDe(menu, e), a.cible) << a.titre;
-            EXPECT_EQ(accelerateurGtk(e), a.gtk) << a.titre;
-        }
-    }
-    EXPECT_EQ(i, attendus.size());
-}
-
-TEST(BarreDeMenus, SeulsTroisMenusSontExamines) {
+    // clang-format on
     const auto toujours = [](Commande) { return true; };
-    for (const auto& menu : barreDeMenus()) {
+    std::set<Commande> commandes;
+    std::set<std::string_view> selecteurs;
+    std::size_t i = 0;
+    for (const auto& menu : barre) {
+        std::set<std::pair<std::string_view, std::uint32_t>> touches;
         for (const auto& e : menu.elements) {
             if (e.separateur) continue;
-            EXPECT_EQ(cibleDe(menu, e, toujours) == Cible::controleur, menu.cibleExaminee)
-                << e.titre;
+            ASSERT_LT(i, std::size(attendus));
+            const auto& [titre, touche, masque, cible, gtk] = attendus[i++];
+            EXPECT_EQ(std::tie(e.titre, e.touche, e.masque), std::tie(titre, touche, masque));
+            EXPECT_EQ(cibleDe(menu, e), cible) << titre;
+            EXPECT_EQ(accelerateurGtk(e), gtk) << titre;
+            // Only three menus are looked at, whatever the controller answers.
+            EXPECT_EQ(cibleDe(menu, e, toujours) == C::controleur, menu.cibleExaminee) << e.titre;
+            ASSERT_TRUE(e.commande) << e.titre;
+            EXPECT_TRUE(commandes.insert(*e.commande).second) << e.titre;
+            EXPECT_TRUE(selecteurs.insert(e.selecteur).second) << e.titre;
+            EXPECT_EQ(e.selecteur.back(), ':') << e.titre;
+            // A key is unique within its menu.
+            if (!e.touche.empty()) {
+                EXPECT_TRUE(touches.insert({e.touche, e.masque}).second) << e.titre;
+            }
         }
     }
+    EXPECT_EQ(i, std::size(attendus));
+    EXPECT_EQ(commandes.size(), 26u) << "every command has its item";
 }
 
-class CoquilleTest : public Coquille {
-  public:
+struct CoquilleTest : Coquille {
     explicit CoquilleTest(test::PlateformeTest& p) : p_(p) {}
     void construireMenus() override { p_.trace("menus"); }
     void activer() override { p_.trace("activer"); }
     test::PlateformeTest& p_;
 };
 
-class Lancement : public test::ControleurTest {};
+using Lancement = test::ControleurTest;
 
-TEST_F(Lancement, MenusPuisEcranPuisActivationPuisJournal) {
+TEST_F(Lancement, MenusPuisEcranPuisActivationPuisJournalEtReouverture) {
     stocker("https://espace.example/");
     CoquilleTest coquille(p);
     lancer(coquille, *controleur);
-    const std::vector<std::string> attendus{"menus", "vue principale", "ecran espace", "devant",
-                                            "activer"};
-    EXPECT_EQ(p.evenements, attendus);
+    EXPECT_EQ(p.evenements, (std::vector<std::string>{"menus", "vue principale", "ecran espace",
+                                                      "devant", "activer"}));
     EXPECT_EQ(principale().chargements.size(), 1u) << "loading starts before the start line";
     EXPECT_EQ(lignesJournal(), std::vector<std::string>{"demarrage v1.0.0"});
-}
-
-TEST_F(Lancement, Reouverture) {
-    controleur->demarrer();
-    const int avant = fenetre().passagesDevant;
+    // Reopening brings the main window back to the front only when none is visible.
     EXPECT_TRUE(reouvrir(*controleur, true));
-    EXPECT_EQ(fenetre().passagesDevant, avant);
+    EXPECT_EQ(fenetre().passagesDevant, 1);
     EXPECT_TRUE(reouvrir(*controleur, false));
-    EXPECT_EQ(fenetre().passagesDevant, avant + 1);
-    EXPECT_EQ(fenetre().ecran, test::FenetreTest::Ecran::configuration) << "content unchanged";
+    EXPECT_EQ(fenetre().passagesDevant, 2);
+    EXPECT_EQ(fenetre().ecran, test::FenetreTest::Ecran::espace) << "content unchanged";
 }
 
 }  // namespace

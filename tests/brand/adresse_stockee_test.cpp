@@ -2,56 +2,28 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
 #include "address/normalisation.hpp"
 #include "brand/marque.hpp"
+#include "support/plateforme_test.hpp"
 
 namespace brindex {
 namespace {
 
-class ReglagesMemoire : public Reglages {
-  public:
-    std::optional<std::string> lire(const std::string& cle) const override {
-        const auto it = valeurs.find(cle);
-        if (it == valeurs.end()) return std::nullopt;
-        return it->second;
-    }
-    void ecrire(const std::string& cle, const std::optional<std::string>& valeur) override {
-        if (valeur) {
-            valeurs[cle] = *valeur;
-        } else {
-            valeurs.erase(cle);
-        }
-    }
-    std::map<std::string, std::string> valeurs;
-};
-
-TEST(AdresseStockee, RienAuPremierLancement) {
-    ReglagesMemoire reglages;
-    EXPECT_FALSE(lireAdresseEspace(reglages));
-}
-
-TEST(AdresseStockee, AllerRetourSousLaCle) {
-    ReglagesMemoire reglages;
+TEST(AdresseStockee, AllerRetourSousLaCleRelueAChaqueFoisEtAdressesParDefaut) {
+    test::ReglagesMemoire reglages;
+    EXPECT_FALSE(lireAdresseEspace(reglages)) << "nothing at first launch";
     ecrireAdresseEspace(reglages, normaliserAdresse("intranet:8080/wiki/"));
     EXPECT_EQ(reglages.valeurs.at("espaceURL"), "https://intranet:8080/wiki/");
     EXPECT_EQ(lireAdresseEspace(reglages), normaliserAdresse("https://intranet:8080/wiki/"));
     ecrireAdresseEspace(reglages, std::nullopt);
     EXPECT_FALSE(reglages.valeurs.count("espaceURL"));
     EXPECT_FALSE(lireAdresseEspace(reglages));
-}
-
-TEST(AdresseStockee, TexteQuiNeSeNormalisePlusLitRien) {
-    ReglagesMemoire reglages;
+    // A text that no longer normalises reads as nothing; the text is read again, never cached.
     reglages.valeurs["espaceURL"] = "ftp://intranet";
     EXPECT_FALSE(lireAdresseEspace(reglages));
     reglages.valeurs["espaceURL"] = "  intranet  ";
-    EXPECT_EQ(lireAdresseEspace(reglages)->texte(), "https://intranet")
-        << "read again, never cached";
-}
-
-TEST(Marque, AdressesParDefautSeNormalisent) {
+    EXPECT_EQ(lireAdresseEspace(reglages)->texte(), "https://intranet");
+    // The built-in addresses normalise, to https, the product's own host first.
     ASSERT_EQ(Marque::adressesParDefaut.size(), 2u);
     EXPECT_NE(Marque::adressesParDefaut[0].find(Marque::domaineSite), std::string_view::npos)
         << "the product's own host comes first";

@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "address/normalisation.hpp"
 #include "container/controleur.hpp"
@@ -32,6 +31,7 @@ class ControleurTest : public testing::Test {
     }
 
     FenetreTest& fenetre() { return *p.principales.at(0); }
+    FenetreTest& secondaire(std::size_t i = 0) { return *p.secondaires.at(i); }
     void stocker(const std::string& texte) { p.reglages_.valeurs["espaceURL"] = texte; }
     VueWebTest& principale() { return static_cast<VueWebTest&>(*controleur->webView()); }
     // Opens the stored space and finishes its first load.
@@ -43,10 +43,11 @@ class ControleurTest : public testing::Test {
         return principale();
     }
     // A page of `ouvreur` opens a window on `url` when the user clicks.
-    std::shared_ptr<VueWeb> popup(VueWeb& ouvreur, std::optional<std::string> url) {
+    std::shared_ptr<VueWeb> popup(VueWeb& ouvreur, std::optional<std::string> url = {}) {
         controleur->activationUtilisateur();
         return controleur->creerVueWebDemandee(ouvreur, url, std::nullopt, configuration);
     }
+    // The log's lines, without their time stamps.
     std::vector<std::string> lignesJournal() const {
         std::ifstream f(dossier / "Brindex.log");
         std::vector<std::string> lignes;

@@ -17,10 +17,10 @@ namespace fs = std::filesystem;
 class JournalTest : public testing::Test {
   protected:
     void SetUp() override {
-        dossier = fs::temp_directory_path() /
-                  ("brindex-journal-" +
-                   std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "-" +
-                   ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        const auto* test = testing::UnitTest::GetInstance();
+        dossier =
+            fs::temp_directory_path() / ("brindex-journal-" + std::to_string(test->random_seed()) +
+                                         "-" + test->current_test_info()->name());
         fs::remove_all(dossier);
         fs::create_directories(dossier);
         fichier = dossier / "Brindex.log";
@@ -28,51 +28,31 @@ class JournalTest : public testing::Test {
     }
     void TearDown() override {
         Journal::definirChemin("");
-        fs::permissions(dossier, fs::perms::owner_all, fs::perm_options::add);
         fs::remove_all(dossier);
     }
     std::string contenu() const {
-        std::ifstream f(fichier, std::ios::binary);
         std::stringstream s;
-        s << f.rdbuf();
+        s << std::ifstream(fichier, std::ios::binary).rdbuf();
         return s.str();
     }
     fs::path dossier;
     fs::path fichier;
 };
 
-const std::regex ligne(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ demarrage v1\.0\.0\n)");
-
-TEST_F(JournalTest, PremiereLigneCreeLeFichier) {
+TEST_F(JournalTest, UneLigneHorodateeParMessageALaSuiteDesAutresProgrammes) {
     Journal::ecrire("demarrage v1.0.0");
-    EXPECT_TRUE(std::regex_match(contenu(), ligne)) << contenu();
-}
-
-TEST_F(JournalTest, AjouteAprèsUnAutreProgramme) {
-    Journal::ecrire("un");
-    {
-        std::ofstream autre(fichier, std::ios::app);
-        autre << "ligne d'un autre programme\n";
-    }
-    Journal::ecrire("deux");
-    const auto texte = contenu();
-    const auto un = texte.find(" un\n");
-    const auto autre = texte.find("ligne d'un autre programme\n");
-    const auto deux = texte.find(" deux\n");
-    ASSERT_NE(un, std::string::npos);
-    ASSERT_NE(autre, std::string::npos);
-    ASSERT_NE(deux, std::string::npos);
-    EXPECT_LT(un, autre);
-    EXPECT_LT(autre, deux);
-}
-
-TEST_F(JournalTest, ChaqueMessageSurUneLigne) {
     Journal::ecrire("");
     Journal::ecrire("a\nb");
-    EXPECT_TRUE(std::regex_match(contenu(), std::regex(R"(\S+Z \n\S+Z a\\x0Ab\n)"))) << contenu();
+    std::ofstream(fichier, std::ios::app) << "ligne d'un autre programme\n";
+    Journal::ecrire("deux");
+    EXPECT_TRUE(
+        std::regex_match(contenu(), std::regex(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ )"
+                                               R"(demarrage v1\.0\.0\n\S+Z \n\S+Z a\\x0Ab\n)"
+                                               R"(ligne d'un autre programme\n\S+Z deux\n)")))
+        << contenu();
 }
 
-TEST(MessageSur, EchappeLesOctetsDeControleEtBorneLaLongueur) {
+TEST(Journal, MessageSurEtHorodatageUtcALaSeconde) {
     EXPECT_EQ(Journal::messageSur("navigation ECHEC Not Found\x1B[31m\a\r\x7F é\xFF\xC3"),
               "navigation ECHEC Not Found\\x1B[31m\\x07\\x0D\\x7F é\\xFF\\xC3");
     const std::string longue = "navigation OK https://h/" + std::string(10'000'000, 'a');
@@ -82,35 +62,7 @@ TEST(MessageSur, EchappeLesOctetsDeControleEtBorneLaLongueur) {
     // Cut between characters and escapes, never inside one.
     const std::string echappe = Journal::messageSur(std::string(3000, '\x01'));
     EXPECT_EQ(echappe.rfind("\\x01\xE2\x80\xA6"), Journal::longueurMessageMax - 4);
-}
-
-TEST_F(JournalTest, RienQuUnFichierOrdinaireEtSansJamaisAttendre) {
-    // Nobody reads this FIFO: opening it to write would wait for ever.
-    ASSERT_EQ(mkfifo(fichier.c_str(), 0600), 0);
-    Journal::ecrire("perdue");
-    fs::remove(fichier);
-    fs::create_symlink(dossier / "vrai.log", fichier);
-    Journal::ecrire("suivie");
-    EXPECT_TRUE(fs::is_symlink(fichier));
-    EXPECT_NE(contenu().find(" suivie\n"), std::string::npos);
-}
-
-TEST_F(JournalTest, DossierAbsentPerdLaLigneSansErreur) {
-    Journal::definirChemin((dossier / "absent" / "Brindex.log").string());
-    Journal::ecrire("perdue");
-    EXPECT_FALSE(fs::exists(dossier / "absent"));
-}
-
-TEST_F(JournalTest, FichierExistantJamaisRemplace) {
-    { std::ofstream(fichier) << "ancien\n"; }
-    fs::permissions(fichier, fs::perms::owner_read);
-    Journal::ecrire("refusee");
-    fs::permissions(fichier, fs::perms::owner_read | fs::perms::owner_write);
-    // Root may still write to a read-only file; what matters is that nothing was lost.
-    EXPECT_EQ(contenu().rfind("ancien\n", 0), 0u);
-}
-
-TEST(Horodatage, UtcIso8601ALaSeconde) {
+    // Time stamps: UTC, ISO 8601, to the second.
     using namespace std::chrono;
     const auto a = [](long long s) {
         return Journal::horodatage(system_clock::time_point(seconds(s)));
@@ -123,6 +75,30 @@ TEST(Horodatage, UtcIso8601ALaSeconde) {
     EXPECT_EQ(a(-1), "1969-12-31T23:59:59Z");
     const auto maintenant = system_clock::now() + milliseconds(999);
     EXPECT_EQ(Journal::horodatage(maintenant).size(), 20u) << "no fractional seconds";
+}
+
+TEST_F(JournalTest, RienQuUnFichierOrdinaireSansJamaisAttendreNiRienPerdre) {
+    // In a missing folder the line is lost, and the folder is not made.
+    Journal::definirChemin((dossier / "absent" / "Brindex.log").string());
+    Journal::ecrire("perdue");
+    EXPECT_FALSE(fs::exists(dossier / "absent"));
+    Journal::definirChemin(fichier.string());
+    // Nobody reads this FIFO: opening it to write would wait for ever.
+    ASSERT_EQ(mkfifo(fichier.c_str(), 0600), 0);
+    Journal::ecrire("perdue");
+    fs::remove(fichier);
+    fs::create_symlink(dossier / "vrai.log", fichier);
+    Journal::ecrire("suivie");
+    EXPECT_TRUE(fs::is_symlink(fichier));
+    EXPECT_NE(contenu().find(" suivie\n"), std::string::npos);
+    // An existing file is never replaced.
+    fs::remove(fichier);
+    std::ofstream(fichier) << "ancien\n";
+    fs::permissions(fichier, fs::perms::owner_read);
+    Journal::ecrire("refusee");
+    fs::permissions(fichier, fs::perms::owner_read | fs::perms::owner_write);
+    // Root may still write to a read-only file; what matters is that nothing was lost.
+    EXPECT_EQ(contenu().rfind("ancien\n", 0), 0u);
 }
 
 }  // namespace

@@ -10,99 +10,71 @@
 namespace brindex {
 namespace {
 
-using test::ControlesTest;
+const std::string recherche = "Recherche de votre espace…";
+const std::string invalide = "Adresse invalide — exemple : " + std::string(Marque::hoteExemple);
+const std::string introuvable = "Cette adresse n'existe pas. Vérifiez l'orthographe.";
+const std::string joker = "203-0-113-42.joker-dns.example";
 
-// Keeps the probes until the test answers them, oldest first.
-struct SondesEnAttente {
-    std::vector<std::string> sondees;
-    std::deque<std::function<void(ResultatSonde)>> rappels;
-    Sondeur sondeur() {
-        return [this](const Url& url, std::function<void(ResultatSonde)> rappel) {
+class VueConfigurationTest : public testing::Test {
+  protected:
+    void creer(std::optional<std::string> adresse = std::nullopt) {
+        vue = VueConfiguration::creer(std::move(adresse), [this](const Url& url, auto rappel) {
             sondees.push_back(url.texte());
             rappels.push_back(std::move(rappel));
-        };
+        });
+        vue->onConnexion = [this](const Url& url) { connexions.push_back(url.texte()); };
+        vue->attacher(c);
     }
+    // Answers the oldest probe still waiting.
     void repondre(ResultatSonde r) {
         auto rappel = std::move(rappels.front());
         rappels.pop_front();
         rappel(std::move(r));
     }
-};
-
-const std::string pasUnEspace =
-    "Cette adresse répond, mais ce n'est pas un espace Brindex (c'est peut-être le site public).";
-
-class VueConfigurationTest : public testing::Test {
-  protected:
-    std::shared_ptr<VueConfiguration> creer(std::optional<std::string> adresse = std::nullopt) {
-        vue = VueConfiguration::creer(std::move(adresse), sondes.sondeur());
-        vue->onConnexion = [this](const Url& url) { connexions.push_back(url.texte()); };
-        vue->attacher(c);
-        return vue;
-    }
     void etat(bool champ, bool bouton, bool roue, const Couleur& couleur,
               const std::string& message, bool forcer) {
-        EXPECT_EQ(c.champActif, champ);
-        EXPECT_EQ(c.boutonActif, bouton);
-        EXPECT_EQ(c.roue, roue);
-        EXPECT_EQ(c.couleur, couleur);
-        EXPECT_EQ(c.message, message);
-        EXPECT_EQ(c.forcer, forcer);
+        EXPECT_EQ(std::tie(c.champActif, c.boutonActif, c.roue, c.couleur, c.message, c.forcer),
+                  std::tie(champ, bouton, roue, couleur, message, forcer));
     }
-    SondesEnAttente sondes;
-    ControlesTest c;
+    std::vector<std::string> sondees;
+    std::deque<std::function<void(ResultatSonde)>> rappels;
+    test::ControlesTest c;
     std::shared_ptr<VueConfiguration> vue;
     std::vector<std::string> connexions;
 };
 
-TEST_F(VueConfigurationTest, PreteApresCreation) {
+TEST_F(VueConfigurationTest, PreteApresCreationEtDetectionSiLeChampEstVide) {
     creer("https://espace.example/");
     EXPECT_EQ(c.champ, "https://espace.example/");
     etat(true, true, false, Marque::erreur, "", false);
     vue->detecterAdresseParDefaut();
-    EXPECT_TRUE(sondes.sondees.empty()) << "a current address means no search";
-}
-
-TEST_F(VueConfigurationTest, DetectionUneAdresseApresLAutre) {
-    creer();
-    c.champ = "  \t ";
-    vue->detecterAdresseParDefaut();
-    etat(true, true, true, Marque::attenue, "Recherche de votre espace…", false);
-    ASSERT_EQ(sondes.sondees, std::vector<std::string>{"https://espace.brindex.example"});
-    sondes.repondre(ResultatSonde::injoignable("x"));
-    ASSERT_EQ(sondes.sondees.size(), 2u);
-    EXPECT_EQ(sondes.sondees[1], "https://203-0-113-42.joker-dns.example");
-    EXPECT_EQ(c.message, "Recherche de votre espace…") << "a failure's text is not shown";
-    sondes.repondre(ResultatSonde::ok());
-    EXPECT_EQ(c.champ, "203-0-113-42.joker-dns.example") << "the address as written, not the URL";
-    etat(true, true, false, Marque::accent, "Espace trouvé à cette adresse.", false);
-    EXPECT_TRUE(connexions.empty()) << "nothing connects by itself";
-}
-
-TEST_F(VueConfigurationTest, DetectionSansReponseRevientAPret) {
-    creer();
-    vue->detecterAdresseParDefaut();
-    sondes.repondre(ResultatSonde::pasUnEspace());
-    sondes.repondre(ResultatSonde::injoignable("x"));
-    etat(true, true, false, Marque::attenue, "", false);
-}
-
-TEST_F(VueConfigurationTest, UnSautDeLigneNEstPasVide) {
+    EXPECT_TRUE(sondees.empty()) << "a current address means no search";
     creer();
     c.champ = "\n";
     vue->detecterAdresseParDefaut();
-    EXPECT_TRUE(sondes.sondees.empty());
-}
-
-TEST_F(VueConfigurationTest, AdresseInvalideNeChangeQueLeMessage) {
+    EXPECT_TRUE(sondees.empty()) << "a line break is not empty";
+    vue->forcer();
+    EXPECT_TRUE(connexions.empty()) << "nothing checked, nothing to force";
+    // An empty field: the built-in addresses, one after the other.
     creer();
-    c.roue = true;
-    c.forcer = true;
-    c.champ = "ftp://intranet";
-    vue->valider();
-    etat(true, true, true, Marque::erreur,
-         "Adresse invalide — exemple : " + std::string(Marque::hoteExemple), true);
-    EXPECT_TRUE(sondes.sondees.empty());
+    c.champ = "  \t ";
+    vue->detecterAdresseParDefaut();
+    etat(true, true, true, Marque::attenue, recherche, false);
+    ASSERT_EQ(sondees, std::vector<std::string>{"https://espace.brindex.example"});
+    repondre(ResultatSonde::injoignable("x"));
+    EXPECT_EQ(sondees,
+              (std::vector<std::string>{"https://espace.brindex.example", "https://" + joker}));
+    EXPECT_EQ(c.message, recherche) << "a failure's text is not shown";
+    repondre(ResultatSonde::ok());
+    EXPECT_EQ(c.champ, joker) << "the address as written, not the URL";
+    etat(true, true, false, Marque::accent, "Espace trouvé à cette adresse.", false);
+    EXPECT_TRUE(connexions.empty()) << "nothing connects by itself";
+    // Neither address is a space: back to ready.
+    creer();
+    vue->detecterAdresseParDefaut();
+    repondre(ResultatSonde::pasUnEspace());
+    repondre(ResultatSonde::injoignable("x"));
+    etat(true, true, false, Marque::attenue, "", false);
 }
 
 TEST_F(VueConfigurationTest, VerificationPuisResultats) {
@@ -110,63 +82,50 @@ TEST_F(VueConfigurationTest, VerificationPuisResultats) {
     c.champ = " localhost:3000/wiki ";
     vue->valider();
     etat(false, false, true, Marque::attenue, "Vérification de l'adresse…", false);
-    EXPECT_EQ(sondes.sondees, std::vector<std::string>{"http://localhost:3000/wiki"});
+    EXPECT_EQ(sondees, std::vector<std::string>{"http://localhost:3000/wiki"});
     c.champ = "autre chose";
-    sondes.repondre(ResultatSonde::pasUnEspace());
-    etat(true, true, false, Marque::erreur, pasUnEspace, true);
+    repondre(ResultatSonde::pasUnEspace());
+    etat(true, true, false, Marque::erreur,
+         "Cette adresse répond, mais ce n'est pas un espace Brindex (c'est peut-être le site "
+         "public).",
+         true);
     vue->forcer();
     EXPECT_EQ(connexions, std::vector<std::string>{"http://localhost:3000/wiki"})
         << "the probed URL, not the field's text";
-
+    // An invalid address changes the message only.
+    c.roue = true;
     vue->valider();
-    EXPECT_EQ(c.message, "Adresse invalide — exemple : " + std::string(Marque::hoteExemple));
+    etat(true, true, true, Marque::erreur, invalide, true);
+    EXPECT_EQ(sondees.size(), 1u);
+    // Typing clears the message and hides "Enregistrer quand même".
+    vue->texteModifie();
+    etat(true, true, true, Marque::erreur, "", false);
     c.champ = "intranet";
     vue->valider();
-    sondes.repondre(
-        ResultatSonde::injoignable("Cette adresse n'existe pas. Vérifiez l'orthographe."));
-    etat(true, true, false, Marque::erreur, "Cette adresse n'existe pas. Vérifiez l'orthographe.",
-         true);
+    repondre(ResultatSonde::injoignable(introuvable));
+    etat(true, true, false, Marque::erreur, introuvable, true);
     vue->valider();
-    sondes.repondre(ResultatSonde::ok());
+    repondre(ResultatSonde::ok());
     etat(true, true, false, Marque::attenue, "", false);
     EXPECT_EQ(connexions.back(), "https://intranet");
 }
 
-TEST_F(VueConfigurationTest, ForcerSansVerificationNeFaitRien) {
-    creer();
-    vue->forcer();
-    EXPECT_TRUE(connexions.empty());
-}
-
-TEST_F(VueConfigurationTest, FrappeEffaceLeMessageEtCacheForcer) {
-    creer();
-    c.champ = "intranet";
-    vue->valider();
-    sondes.repondre(ResultatSonde::pasUnEspace());
-    vue->texteModifie();
-    etat(true, true, false, Marque::erreur, "", false);
-}
-
-TEST_F(VueConfigurationTest, DetectionEtVerificationCoteACote) {
+TEST_F(VueConfigurationTest, DetectionEtVerificationCoteACotePuisVueDisparue) {
     creer();
     vue->detecterAdresseParDefaut();
     c.champ = "intranet";
     vue->valider();
-    sondes.repondre(ResultatSonde::injoignable("x"));  // first default
-    sondes.repondre(ResultatSonde::pasUnEspace());     // the check
+    repondre(ResultatSonde::injoignable("x"));  // first default
+    repondre(ResultatSonde::pasUnEspace());     // the check
     EXPECT_TRUE(c.forcer);
-    sondes.repondre(ResultatSonde::ok());  // second default, found later
-    EXPECT_EQ(c.champ, "203-0-113-42.joker-dns.example");
+    repondre(ResultatSonde::ok());  // second default, found later
+    EXPECT_EQ(c.champ, joker);
     EXPECT_FALSE(c.roue);
-}
-
-TEST_F(VueConfigurationTest, VueDisparueAvantLaReponse) {
-    creer();
-    c.champ = "intranet";
+    // A view gone before the answer leaves the widgets as they are.
     vue->valider();
     vue.reset();
     c.message = "inchangé";
-    sondes.repondre(ResultatSonde::ok());
+    repondre(ResultatSonde::ok());
     EXPECT_EQ(c.message, "inchangé");
     EXPECT_TRUE(connexions.empty());
 }
@@ -182,9 +141,7 @@ TEST(VueErreur, BoutonsSansRappelIgnores) {
     vue.reessayer();
     vue.reessayer();
     vue.changer();
-    EXPECT_EQ(reessais, 2);
-    EXPECT_EQ(changements, 1);
-    EXPECT_EQ(vue.detail(), "détail");
+    EXPECT_EQ(std::tie(reessais, changements, vue.detail()), std::tuple(2, 1, "détail"));
 }
 
 }  // namespace

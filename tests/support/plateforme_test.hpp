@@ -4,44 +4,63 @@
 // engine and the user.
 
 #include <deque>
-#include <functional>
+#include <filesystem>
 #include <map>
-#include <memory>
-#include <optional>
-#include <set>
-#include <string>
-#include <vector>
 
 #include "container/ports.hpp"
-#include "screens/vue_configuration.hpp"
-#include "screens/vue_erreur.hpp"
 
 namespace brindex::test {
 
-class ReglagesMemoire : public Reglages {
-  public:
-    std::optional<std::string> lire(const std::string& cle) const override;
-    void ecrire(const std::string& cle, const std::optional<std::string>& valeur) override;
+struct ReglagesMemoire : Reglages {
+    std::optional<std::string> lire(const std::string& cle) const override {
+        const auto it = valeurs.find(cle);
+        return it == valeurs.end() ? std::nullopt : std::optional(it->second);
+    }
+    void ecrire(const std::string& cle, const std::optional<std::string>& valeur) override {
+        valeurs.erase(cle);
+        if (valeur) valeurs.emplace(cle, *valeur);
+    }
     std::map<std::string, std::string> valeurs;
 };
 
-// Holds every probe until the test answers it.
-class TransportTest : public TransportHttp {
-  public:
-    void envoyer(const RequeteSonde& requete, std::function<void(EchangeTermine)> fin) override;
-    // Answers the oldest pending probe.
-    void repondre(EchangeTermine echange);
-    void repondreEspace();
-    void repondreErreur(std::int64_t code);
+// Hands the oldest of the planned answers to `reponse`; without one, the request stays open.
+template <class R>
+void repondreSiPrevu(std::deque<R>& prevues, const std::function<void(R)>& reponse) {
+    if (prevues.empty()) return;
+    auto r = std::move(prevues.front());
+    prevues.pop_front();
+    reponse(std::move(r));
+}
+
+// Holds every probe until the test answers it, oldest first.
+struct TransportTest : TransportHttp {
+    void envoyer(const RequeteSonde& requete, std::function<void(EchangeTermine)> fin) override {
+        requetes.push_back(requete);
+        enAttente.push_back(std::move(fin));
+    }
+    void repondre(EchangeTermine echange) {
+        auto fin = std::move(enAttente.front());
+        enAttente.pop_front();
+        fin(std::move(echange));
+    }
+    void repondreEspace() {
+        repondre({{}, EchangeTermine::Reponse::http, 200, R"({"service":"brindex"})"});
+    }
+    void repondreErreur(std::int64_t code) {
+        EchangeTermine e;
+        e.erreur = ErreurTransport{code, "erreur " + std::to_string(code)};
+        repondre(e);
+    }
     std::vector<RequeteSonde> requetes;
     std::deque<std::function<void(EchangeTermine)>> enAttente;
 };
 
-class VueWebTest : public VueWeb {
-  public:
-    explicit VueWebTest(ParametresVueWeb p, bool avecConfiguration)
+struct VueWebTest : VueWeb {
+    VueWebTest(ParametresVueWeb p, bool avecConfiguration)
         : parametres(std::move(p)), creeeAvecConfiguration(avecConfiguration) {}
-    void charger(const std::string& u, double delai) override;
+    void charger(const std::string& u, double delai) override {
+        chargements.emplace_back(u, delai);
+    }
     void arreter() override { ++arrets; }
     void recharger() override { actions.push_back("recharger"); }
     void rechargerOrigine() override { actions.push_back("rechargerOrigine"); }
@@ -58,19 +77,16 @@ class VueWebTest : public VueWeb {
     bool creeeAvecConfiguration;
     std::vector<std::pair<std::string, double>> chargements;
     std::vector<std::string> actions;
-    std::optional<std::string> urlCourante;
-    std::optional<std::string> titreCourant;
-    double progressionCourante = 0;
-    double zoom_ = 1.0;
+    std::optional<std::string> urlCourante, titreCourant;
+    double progressionCourante = 0, zoom_ = 1.0;
     int arrets = 0;
     bool detachee = false;
 };
 
-class ConfigurationTest : public ConfigurationMoteur {};
-class TelechargementTest : public Telechargement {};
+struct ConfigurationTest : ConfigurationMoteur {};
+struct TelechargementTest : Telechargement {};
 
-class ControlesTest : public ControlesConfiguration {
-  public:
+struct ControlesTest : ControlesConfiguration {
     std::string texteChamp() const override { return champ; }
     void definirTexteChamp(const std::string& t) override { champ = t; }
     void activerChamp(bool a) override { champActif = a; }
@@ -81,48 +97,78 @@ class ControlesTest : public ControlesConfiguration {
     void montrerForcer(bool v) override { forcer = v; }
     void focaliserChamp() override { ++focalisations; }
 
-    std::string champ;
-    bool champActif = false;
-    bool boutonActif = false;
-    bool roue = true;
+    std::string champ, message = "?";
+    bool champActif = false, boutonActif = false, roue = true, forcer = true;
     Couleur couleur{};
-    std::string message = "?";
-    bool forcer = true;
     int focalisations = 0;
 };
 
-class PlateformeTest;
+// What the windows tell their platform: the order of events, and which one becomes key.
+struct Temoin {
+    virtual ~Temoin() = default;
+    virtual void rendreCle(Fenetre* fenetre) = 0;
+    void trace(std::string evenement) { evenements.push_back(std::move(evenement)); }
+    std::vector<std::string> evenements;
+};
 
-class FenetreTest : public FenetrePrincipale {
-  public:
-    FenetreTest(PlateformeTest& p, ParametresFenetre params, std::function<void()> vaFermer)
-        : plateforme(p),
-          parametres(std::move(params)),
-          vaFermer_(std::move(vaFermer)),
-          titre(parametres.titre) {}
-    void definirTitre(const std::string& t) override;
+struct FenetreTest : FenetrePrincipale {
+    FenetreTest(Temoin& t, ParametresFenetre params, std::function<void()> vaFermer)
+        : temoin(t), parametres(std::move(params)), vaFermer_(std::move(vaFermer)) {}
+    void definirTitre(const std::string& t) override {
+        titre = t;
+        temoin.trace("titre " + t);
+    }
     bool estCle() const override { return cle; }
-    void devant() override;
+    void devant() override {
+        ++passagesDevant;
+        temoin.rendreCle(this);
+        temoin.trace("devant");
+    }
     void oublierFermeture() override { vaFermer_ = nullptr; }
-    void fermer() override;
+    void fermer() override {
+        if (fermee) return;
+        fermee = true;
+        cle = false;
+        temoin.trace("fermer " + parametres.titre);
+        if (auto rappel = std::move(vaFermer_)) rappel();
+    }
     void feuille(const Alerte& a) override { feuilles.push_back(a); }
-    void montrerConfiguration(std::shared_ptr<VueConfiguration> vue) override;
-    void montrerEspace(std::shared_ptr<VueWeb> vue) override;
-    void montrerErreur(std::shared_ptr<VueErreur> vue) override;
+    void montrerConfiguration(std::shared_ptr<VueConfiguration> vue) override {
+        vider(Ecran::configuration, "ecran configuration");
+        configuration = std::move(vue);
+        controles = ControlesTest{};
+        configuration->attacher(controles);
+    }
+    void montrerEspace(std::shared_ptr<VueWeb> vue) override {
+        vider(Ecran::espace, "ecran espace");
+        espace = std::move(vue);
+        barreVisible = false;
+    }
+    void montrerErreur(std::shared_ptr<VueErreur> vue) override {
+        vider(Ecran::erreur, "ecran erreur");
+        erreur = std::move(vue);
+    }
     void progression(double valeur, bool visible) override {
         barre = valeur;
         barreVisible = visible;
     }
     // The user presses the close button.
-    void fermerParUtilisateur();
+    void fermerParUtilisateur() { fermer(); }
 
     enum class Ecran { initial, configuration, espace, erreur };
-    PlateformeTest& plateforme;
+    void vider(Ecran nouvel, const char* evenement) {
+        ecran = nouvel;
+        configuration.reset();
+        espace.reset();
+        erreur.reset();
+        temoin.trace(evenement);
+    }
+
+    Temoin& temoin;
     ParametresFenetre parametres;
     std::function<void()> vaFermer_;
-    std::string titre;
-    bool cle = false;
-    bool fermee = false;
+    std::string titre = parametres.titre;
+    bool cle = false, fermee = false;
     int passagesDevant = 0;
     Ecran ecran = Ecran::initial;
     std::shared_ptr<VueConfiguration> configuration;
@@ -134,41 +180,60 @@ class FenetreTest : public FenetrePrincipale {
     bool barreVisible = false;
 };
 
-class PlateformeTest : public Plateforme {
-  public:
+struct PlateformeTest : Plateforme, Temoin {
     std::shared_ptr<FenetrePrincipale> creerFenetrePrincipale(
-        const ParametresFenetre& p, std::function<void()> vaFermer) override;
+        const ParametresFenetre& p, std::function<void()> vaFermer) override {
+        return principales.emplace_back(
+            std::make_shared<FenetreTest>(*this, p, std::move(vaFermer)));
+    }
     std::shared_ptr<VueWeb> creerVueWeb(const ParametresVueWeb& p,
-                                        const ConfigurationMoteur* configuration) override;
+                                        const ConfigurationMoteur* configuration) override {
+        trace(p.principale ? "vue principale" : "vue secondaire");
+        return vues.emplace_back(std::make_shared<VueWebTest>(p, configuration != nullptr));
+    }
     std::shared_ptr<Fenetre> creerFenetreSecondaire(const ParametresFenetre& p,
                                                     std::shared_ptr<VueWeb> vue,
-                                                    std::function<void()> vaFermer) override;
+                                                    std::function<void()> vaFermer) override {
+        auto fenetre =
+            secondaires.emplace_back(std::make_shared<FenetreTest>(*this, p, std::move(vaFermer)));
+        fenetre->espace = std::move(vue);
+        fenetre->ecran = FenetreTest::Ecran::espace;
+        trace("fenetre secondaire");
+        fenetre->devant();
+        return fenetre;
+    }
     void ouvrirUrl(const std::string& url) override { urlsOuvertes.push_back(url); }
     void reveler(const std::string& chemin) override { reveles.push_back(chemin); }
-    void alerte(const Alerte& a, std::function<void(ReponseAlerte)> reponse) override;
+    void alerte(const Alerte& a, std::function<void(ReponseAlerte)> reponse) override {
+        alertes.push_back(a);
+        repondreSiPrevu(reponsesAlertes, reponse);
+    }
     void choisirFichiers(const DemandeFichiers& d,
-                         std::function<void(FichiersChoisis)> reponse) override;
+                         std::function<void(FichiersChoisis)> reponse) override {
+        demandesFichiers.push_back(d);
+        repondreSiPrevu(reponsesFichiers, reponse);
+    }
     Reglages& reglages() override { return reglages_; }
     TransportHttp& transport() override { return transport_; }
     std::optional<std::string> dossierTelechargements() override { return telechargements; }
     std::string dossierPersonnel() override { return personnel; }
-    bool existe(const std::string& chemin) override;
+    bool existe(const std::string& chemin) override { return std::filesystem::exists(chemin); }
     std::vector<std::string> suffixesTemporairesTelechargement() const override {
         return suffixesTemporaires;
     }
     std::chrono::steady_clock::time_point maintenant() const override { return horloge; }
 
     // Makes this window the only key one (nullptr: none is key).
-    void rendreCle(Fenetre* fenetre);
-    void trace(std::string evenement) { evenements.push_back(std::move(evenement)); }
+    void rendreCle(Fenetre* fenetre) override {
+        for (auto& f : principales) f->cle = f.get() == fenetre;
+        for (auto& f : secondaires) f->cle = f.get() == fenetre;
+    }
 
     ReglagesMemoire reglages_;
     TransportTest transport_;
-    std::vector<std::shared_ptr<FenetreTest>> principales;
-    std::vector<std::shared_ptr<FenetreTest>> secondaires;
+    std::vector<std::shared_ptr<FenetreTest>> principales, secondaires;
     std::vector<std::shared_ptr<VueWebTest>> vues;
-    std::vector<std::string> urlsOuvertes;
-    std::vector<std::string> reveles;
+    std::vector<std::string> urlsOuvertes, reveles;
     std::vector<Alerte> alertes;
     // Answers given to the next alerts, in order; an alert without one stays unanswered.
     std::deque<ReponseAlerte> reponsesAlertes;
@@ -176,12 +241,8 @@ class PlateformeTest : public Plateforme {
     std::deque<FichiersChoisis> reponsesFichiers;
     std::optional<std::string> telechargements;
     std::string personnel = "/maison";
-    // Paths that exist, unless `systemeDeFichiers` is set to test on the real file system.
-    std::set<std::string> chemins;
-    bool systemeDeFichiers = false;
     std::vector<std::string> suffixesTemporaires;
     std::chrono::steady_clock::time_point horloge{std::chrono::hours(1)};
-    std::vector<std::string> evenements;
 };
 
 }  // namespace brindex::test
