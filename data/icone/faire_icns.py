@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Builds Brindex.icns, the macOS application icon, from the project's own artwork.
+"""Builds Brindex.icns, the macOS application icon, and the PNG icons of the Linux desktop's
+theme, from the project's own artwork.
 
 Renders brindex.svg at every size the format holds (ImageMagick's convert) and packs the PNG
 images into the ICNS container: the 'icns' magic, the total length, then one entry per image,
@@ -23,6 +24,7 @@ ENTREES = [
 def rendre(svg, taille, sortie):
     subprocess.run(["convert", "-background", "none", "-density", "384", svg,
                     "-resize", "%dx%d" % (taille, taille), "-depth", "8",
+                    "-strip", "-define", "png:exclude-chunks=date,time",
                     "PNG32:" + sortie], check=True)
 
 
@@ -38,7 +40,9 @@ def main():
             corps += type_.encode("ascii") + struct.pack(">I", 8 + len(donnees)) + donnees
     with open(os.path.join(ICI, "Brindex.icns"), "wb") as f:
         f.write(b"icns" + struct.pack(">I", 8 + len(corps)) + corps)
-    rendre(svg, 256, os.path.join(ICI, "brindex-256.png"))
+    # The sizes of the hicolor theme, each drawn from the artwork rather than scaled from another.
+    for taille in (16, 24, 32, 48, 64, 128, 256, 512):
+        rendre(svg, taille, os.path.join(ICI, "brindex-%d.png" % taille))
     return 0
 
 
