@@ -24,7 +24,7 @@ std::string composants(const std::optional<Url>& url) {
            o(url->requete()) + "|" + o(url->fragment());
 }
 
-TEST(Url, DecoupeChaqueComposantOuRefuse) {
+TEST(Url, DecoupeChaqueComposantOuRefuseEtAjouteAuChemin) {
     // clang-format off
     // As typed (true) or as the engine reports it (false), the URL, its components.
     const std::tuple<bool, const char*, const char*> table[] = {
@@ -55,55 +55,36 @@ TEST(Url, DecoupeChaqueComposantOuRefuse) {
         // clang-format on
         EXPECT_FALSE(Url::analyser(texte)) << texte;
     }
+    // clang-format off
+    // Adding a component to the path.
+    const std::pair<const char*, const char*> composes[] = {
+        {"https://h", "https://h/health"}, {"https://h/", "https://h/health"}, {"https://h:8080/wiki", "https://h:8080/wiki/health"},
+        {"https://h/wiki/", "https://h/wiki/health"}, {"https://h/wiki?#", "https://h/wiki/health?#"}};
+    // clang-format on
+    for (const auto& [url, attendue] : composes) {
+        EXPECT_EQ(Url::analyser(url)->avecComposant("health").texte(), attendue);
+    }
 }
 
-TEST(Url, AjouteUnComposantAuChemin) {
-    const auto health = [](const char* texte) {
-        return Url::analyser(texte)->avecComposant("health").texte();
-    };
-    EXPECT_EQ(health("https://h"), "https://h/health");
-    EXPECT_EQ(health("https://h/"), "https://h/health");
-    EXPECT_EQ(health("https://h:8080/wiki"), "https://h:8080/wiki/health");
-    EXPECT_EQ(health("https://h/wiki/"), "https://h/wiki/health");
-    EXPECT_EQ(health("https://h/wiki?#"), "https://h/wiki/health?#");
-}
-
-TEST(Origine, SchemeHoteEtPortDUneUrlEtEgaliteSurLesTrois) {
-    // URL, its origin's scheme, host and port.
+TEST(Origine, SchemeHoteCanoniqueEtPortDUneUrl) {
+    // clang-format off
+    // URL, its origin's scheme, host and port; nothing for a URL without an origin.
     const std::pair<const char*, const char*> origines[] = {
-        {"https://Intranet:443/a", "https intranet 443"},
-        {"https://intranet/b", "https intranet 443"},
-        {"http://intranet:443", "http intranet 443"},
-        {"http://intranet", "http intranet 80"},
-        {"http://intranet:8080", "http intranet 8080"},
-        {"http://intranet:99999", "http intranet 99999"},
-        {"HTTPS://INTRANET", "https intranet 443"},
-        {"https://intranet./", "https intranet. 443"},
-        {"https://u:p@h/x?y#z", "https h 443"},
-        {"http://[::1]:8080/", "http ::1 8080"},
-        {"http://127.0.0.%31/", "http 127.0.0.1 80"},
-        {"https://[0:0:0:0:0:0:0:1]/", "https ::1 443"},
-    };
+        {"https://Intranet:443/a", "https intranet 443"}, {"HTTPS://INTRANET", "https intranet 443"},
+        {"http://intranet:443", "http intranet 443"}, {"http://intranet", "http intranet 80"},
+        {"http://intranet:99999", "http intranet 99999"}, {"https://intranet./", "https intranet. 443"},
+        {"https://u:p@h/x?y#z", "https h 443"}, {"http://[::1]:8080/", "http ::1 8080"},
+        {"http://127.1:8080/x", "http 127.0.0.1 8080"}, {"https://[0:0:0:0:0:0:0:1]/", "https ::1 443"},
+        {"http://1.2.3.256/", ""}, {"http://[v1.abc]/", ""}, {"about:blank", ""}, {"data:text/plain,x", ""},
+        {"blob:https://h/1", ""}, {"file:///etc/hosts", ""}, {"mailto:a@b", ""}, {"https://", ""},
+        {"http:intranet", ""}, {"pas une url", ""}};
+    // clang-format on
     for (const auto& [url, attendue] : origines) {
         const auto o = Origine::depuis(std::string_view(url));
-        ASSERT_TRUE(o) << url;
-        EXPECT_EQ(o->scheme() + " " + o->host() + " " + std::to_string(o->port()), attendue);
+        EXPECT_EQ(o ? o->scheme() + " " + o->host() + " " + std::to_string(o->port()) : "",
+                  attendue)
+            << url;
     }
-    for (const char* url : {"http://1.2.3.256/", "http://[v1.abc]/", "about:blank",
-                            "data:text/plain,x", "blob:https://h/1", "file:///etc/hosts",
-                            "mailto:a@b", "https://", "http:intranet", "pas une url"}) {
-        EXPECT_FALSE(Origine::depuis(std::string_view(url))) << url;
-    }
-    // Equal on the three fields.
-    const auto o = [](const char* u) { return Origine::depuis(std::string_view(u)).value(); };
-    EXPECT_EQ(o("https://Intranet:443/a"), o("https://intranet/b"));
-    EXPECT_NE(o("http://intranet:443"), o("https://intranet:443"));
-    EXPECT_NE(o("http://intranet"), o("https://intranet"));
-    EXPECT_NE(o("http://intranet:8080"), o("http://intranet"));
-    EXPECT_NE(o("https://intranet./"), o("https://intranet/"));
-    EXPECT_EQ(o("HTTPS://INTRANET"), o("https://intranet"));
-    EXPECT_EQ(o("http://127.1:8080/x"), o("http://127.0.0.1:8080/"));
-    EXPECT_EQ(o("http://[0:0:0:0:0:0:0:1]/"), o("http://[::1]/"));
 }
 
 // Each case: a host as written (an IPv6 literal in brackets), then the host as the engine
@@ -145,24 +126,18 @@ std::string normalisee(const std::string& saisi) {
 }
 
 TEST(Normalisation, SansSchemeHttpsSaufHoteLocalOuPriveEtRienSansAdresseDEspace) {
-    for (const std::string s :
-         {"intranet:8080/wiki/", "203.0.113.10", "172.15.0.1", "172.32.0.1", "192.169.1.1",
-          "169.254.10.20", "10.0.0.256", "10.0.0", "[fd00::5]", "intranet:65535", "-1.0.0.1",
-          "intranet/?", "intranet/#", "intranet:"}) {
+    for (const std::string s : {"intranet:8080/wiki/", "203.0.113.10", "[fd00::5]",
+                                "intranet:65535", "intranet/?", "intranet/#", "intranet:"}) {
         EXPECT_EQ(normalisee(s), "https://" + s);
     }
     for (const std::string s :
-         {"localhost:3000", "LocalHost", "LOCALHOST", "imprimante.local", "Imprimante.LOCAL",
-          "127.0.0.1", "10.20.30.40", "172.16.0.1", "172.31.255.255", "192.168.1.10:8080/app",
-          "10.0.0.1.intranet", "[::1]:8080", "a.10.b.0.0.1", "+10.0.0.1", "10..0.0.1"}) {
+         {"localhost:3000", "LocalHost", "127.0.0.1", "192.168.1.10:8080/app", "[::1]:8080"}) {
         EXPECT_EQ(normalisee(s), "http://" + s);
     }
-    // Only the exact "::1" gets brackets.
+    // Only the exact "::1" gets brackets; a typed scheme is kept as typed.
     EXPECT_EQ(normalisee("::1"), "http://[::1]");
-    // A typed scheme is kept as typed.
     EXPECT_EQ(normalisee("http://203.0.113.10"), "http://203.0.113.10");
     EXPECT_EQ(normalisee("HTTPS://intranet"), "HTTPS://intranet");
-    // Spaces of every kind are trimmed.
     for (const std::string s :
          {"  intranet  ", "\t\nintranet\r\n", "\xC2\xA0intranet\xE3\x80\x80", "\xC2\x85intranet"}) {
         EXPECT_EQ(normalisee(s), "https://intranet") << s;
@@ -175,13 +150,11 @@ TEST(Normalisation, SansSchemeHttpsSaufHoteLocalOuPriveEtRienSansAdresseDEspace)
           "http://intranet:99999999999999999999999", "javascript://intranet"}) {
         EXPECT_EQ(normalisee(s), "(rien)") << s;
     }
-}
-
-TEST(HoteLocal, MachinesMdnsEtIPv4Privees) {
-    for (const char* h :
-         {"localhost", "LOCALHOST", "[::1]", "::1", "imprimante.local", "Imprimante.LOCAL",
-          "10.0.0.1", "127.8.9.10", "172.16.0.0", "172.31.0.0", "192.168.0.1", "a.10.b.0.0.1",
-          "+10.0.0.1", "10..0.0.1", "10.+-1.0.0.1", "99999999999999999999.10.0.0.1"}) {
+    // The hosts that get http: the machine itself, multicast-DNS names, private IPv4.
+    for (const char* h : {"localhost", "LOCALHOST", "[::1]", "::1", "imprimante.local",
+                          "Imprimante.LOCAL", "10.0.0.1", "127.8.9.10", "172.16.0.0", "172.31.0.0",
+                          "192.168.0.1", "a.10.b.0.0.1", "+10.0.0.1", "10..0.0.1", "10.+-1.0.0.1",
+                          "99999999999999999999.10.0.0.1", "10.0.0.1.intranet"}) {
         EXPECT_TRUE(estHoteLocalOuPrive(h)) << h;
     }
     for (const char* h :

@@ -19,11 +19,8 @@ const std::string silence =
     "Le serveur ne répond pas. Il est peut-être arrêté, ou l'adresse est incomplète.";
 const std::string inattendue = "Réponse inattendue du serveur.";
 
-// Both leave the other fields at their defaults, as a transport that doesn't set them does.
 EchangeTermine erreur(std::int64_t code, std::string description = "description du système") {
-    EchangeTermine e;
-    e.erreur = ErreurTransport{code, std::move(description)};
-    return e;
+    return {ErreurTransport{code, std::move(description)}, Reponse::aucune, 0, std::nullopt};
 }
 
 EchangeTermine http(int statut, std::optional<std::string> corps) {
@@ -36,6 +33,9 @@ TEST(TriDesReponses, ErreursExpliqueesEtMarqueurDansUne200) {
         {{-1005, -1009}, "Votre connexion internet semble coupée."},
         {{-1200, -1201, -1202, -1204}, "Le certificat de sécurité du serveur n'est pas valide."},
         {{-1003}, "Cette adresse n'existe pas. Vérifiez l'orthographe."},
+        {{-1022},
+         "Cette adresse exige une connexion sécurisée (https). Vérifiez l'adresse de votre "
+         "espace."},
         {{-1203, -1007}, "description du système"},  // no text of ours: the system's
     };
     for (const auto& [codes, texte] : explications) {
@@ -75,32 +75,20 @@ TEST(TriDesReponses, ErreursExpliqueesEtMarqueurDansUne200) {
     }
 }
 
-TEST(RequeteSonde, VaSurLAdresseDeSanteEtLitJusquAuMarqueurOuALaLimite) {
-    const auto url = [](const char* t) { return requeteSonde(*normaliserAdresse(t)).url; };
-    EXPECT_EQ(url("intranet"), "https://intranet/health");
-    EXPECT_EQ(url("intranet/"), "https://intranet/health");
-    EXPECT_EQ(url("intranet/wiki"), "https://intranet/wiki/health");
-    EXPECT_EQ(url("intranet:8080/wiki/"), "https://intranet:8080/wiki/health");
-    const auto requete = requeteSonde(*normaliserAdresse("localhost:3000"));
-    EXPECT_EQ(requete.url, "http://localhost:3000/health");
-    EXPECT_EQ(requete.methode, "GET");
-    EXPECT_EQ(requete.agentUtilisateur, "Brindex-Desktop/1.0.0");
-    EXPECT_EQ(requete.delaiSecondes, 8.0);
-    EXPECT_TRUE(requete.ignorerCache);
-    // Its body is read up to the marker, or up to the limit.
-    EXPECT_FALSE(lectureSuffisante(R"({"status":"up","service":"brin)"));
-    EXPECT_TRUE(lectureSuffisante(marqueur));
-    EXPECT_FALSE(lectureSuffisante(std::string(limiteCorpsSonde - 1, ' ')));
-    EXPECT_TRUE(lectureSuffisante(std::string(limiteCorpsSonde, ' ')));
-}
-
-TEST(SonderEspace, RappelleUneSeuleFoisAvecLeResultatTrieSondesIndependantes) {
+TEST(SonderEspace, SanteLueJusquAuMarqueurUnSeulRappelSondesIndependantes) {
     test::TransportTest transport;
     std::vector<ResultatSonde> resultats;
     sonderEspace(transport, *normaliserAdresse("intranet/wiki"),
                  [&](ResultatSonde r) { resultats.push_back(r); });
     ASSERT_EQ(transport.requetes.size(), 1u);
-    EXPECT_EQ(transport.requetes[0].url, "https://intranet/wiki/health");
+    const auto& q = transport.requetes[0];
+    EXPECT_EQ(std::tie(q.url, q.agentUtilisateur, q.ignorerCache),
+              std::tuple("https://intranet/wiki/health", "Brindex-Desktop/1.0.0", true));
+    // Its body is read up to the marker, or up to the limit.
+    EXPECT_FALSE(lectureSuffisante(R"({"status":"up","service":"brin)"));
+    EXPECT_TRUE(lectureSuffisante(marqueur));
+    EXPECT_FALSE(lectureSuffisante(std::string(limiteCorpsSonde - 1, ' ')));
+    EXPECT_TRUE(lectureSuffisante(std::string(limiteCorpsSonde, ' ')));
     EXPECT_TRUE(resultats.empty()) << "the answer comes later, not during the call";
     const auto fin = transport.enAttente[0];
     fin(http(200, marqueur));

@@ -18,8 +18,7 @@ class ControleurTest : public testing::Test {
   protected:
     void SetUp() override {
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        dossier = std::filesystem::temp_directory_path() /
-                  (std::string("brindex-ctl-") + info->test_suite_name() + "-" + info->name());
+        dossier /= std::string("brindex-ctl-") + info->test_suite_name() + "-" + info->name();
         std::filesystem::remove_all(dossier);
         std::filesystem::create_directories(dossier);
         Journal::definirChemin((dossier / "Brindex.log").string());
@@ -55,7 +54,7 @@ class ControleurTest : public testing::Test {
         return lignes;
     }
 
-    std::filesystem::path dossier;
+    std::filesystem::path dossier = std::filesystem::temp_directory_path();
     PlateformeTest p;
     ConfigurationTest configuration;
     std::shared_ptr<Controleur> controleur;

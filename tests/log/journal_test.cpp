@@ -17,13 +17,8 @@ namespace fs = std::filesystem;
 class JournalTest : public testing::Test {
   protected:
     void SetUp() override {
-        const auto* test = testing::UnitTest::GetInstance();
-        dossier =
-            fs::temp_directory_path() / ("brindex-journal-" + std::to_string(test->random_seed()) +
-                                         "-" + test->current_test_info()->name());
         fs::remove_all(dossier);
         fs::create_directories(dossier);
-        fichier = dossier / "Brindex.log";
         Journal::definirChemin(fichier.string());
     }
     void TearDown() override {
@@ -35,11 +30,14 @@ class JournalTest : public testing::Test {
         s << std::ifstream(fichier, std::ios::binary).rdbuf();
         return s.str();
     }
-    fs::path dossier;
-    fs::path fichier;
+    const fs::path dossier =
+        fs::temp_directory_path() /
+        ("brindex-journal-" +
+         std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+    const fs::path fichier = dossier / "Brindex.log";
 };
 
-TEST_F(JournalTest, UneLigneHorodateeParMessageALaSuiteDesAutresProgrammes) {
+TEST_F(JournalTest, UneLigneHorodateeParMessageDansUnFichierOrdinaireSansRienAttendreNiPerdre) {
     Journal::ecrire("demarrage v1.0.0");
     Journal::ecrire("");
     Journal::ecrire("a\nb");
@@ -50,34 +48,7 @@ TEST_F(JournalTest, UneLigneHorodateeParMessageALaSuiteDesAutresProgrammes) {
                                                R"(demarrage v1\.0\.0\n\S+Z \n\S+Z a\\x0Ab\n)"
                                                R"(ligne d'un autre programme\n\S+Z deux\n)")))
         << contenu();
-}
-
-TEST(Journal, MessageSurEtHorodatageUtcALaSeconde) {
-    EXPECT_EQ(Journal::messageSur("navigation ECHEC Not Found\x1B[31m\a\r\x7F é\xFF\xC3"),
-              "navigation ECHEC Not Found\\x1B[31m\\x07\\x0D\\x7F é\\xFF\\xC3");
-    const std::string longue = "navigation OK https://h/" + std::string(10'000'000, 'a');
-    const std::string sur = Journal::messageSur(longue);
-    EXPECT_LE(sur.size(), Journal::longueurMessageMax + 40);
-    EXPECT_TRUE(sur.ends_with("a\xE2\x80\xA6 [tronque, 10000024 octets]")) << sur.substr(1900);
-    // Cut between characters and escapes, never inside one.
-    const std::string echappe = Journal::messageSur(std::string(3000, '\x01'));
-    EXPECT_EQ(echappe.rfind("\\x01\xE2\x80\xA6"), Journal::longueurMessageMax - 4);
-    // Time stamps: UTC, ISO 8601, to the second.
-    using namespace std::chrono;
-    const auto a = [](long long s) {
-        return Journal::horodatage(system_clock::time_point(seconds(s)));
-    };
-    EXPECT_EQ(a(0), "1970-01-01T00:00:00Z");
-    EXPECT_EQ(a(1772719629), "2026-03-05T14:07:09Z");
-    EXPECT_EQ(a(951782400), "2000-02-29T00:00:00Z");
-    EXPECT_EQ(a(4107542399), "2100-02-28T23:59:59Z");
-    EXPECT_EQ(a(4107542400), "2100-03-01T00:00:00Z");
-    EXPECT_EQ(a(-1), "1969-12-31T23:59:59Z");
-    const auto maintenant = system_clock::now() + milliseconds(999);
-    EXPECT_EQ(Journal::horodatage(maintenant).size(), 20u) << "no fractional seconds";
-}
-
-TEST_F(JournalTest, RienQuUnFichierOrdinaireSansJamaisAttendreNiRienPerdre) {
+    fs::remove(fichier);
     // In a missing folder the line is lost, and the folder is not made.
     Journal::definirChemin((dossier / "absent" / "Brindex.log").string());
     Journal::ecrire("perdue");
@@ -99,6 +70,30 @@ TEST_F(JournalTest, RienQuUnFichierOrdinaireSansJamaisAttendreNiRienPerdre) {
     fs::permissions(fichier, fs::perms::owner_read | fs::perms::owner_write);
     // Root may still write to a read-only file; what matters is that nothing was lost.
     EXPECT_EQ(contenu().rfind("ancien\n", 0), 0u);
+}
+
+TEST(Journal, MessageSurEtHorodatageUtcALaSeconde) {
+    EXPECT_EQ(Journal::messageSur("navigation ECHEC Not Found\x1B[31m\a\r\x7F é\xFF\xC3"),
+              "navigation ECHEC Not Found\\x1B[31m\\x07\\x0D\\x7F é\\xFF\\xC3");
+    const std::string longue = "navigation OK https://h/" + std::string(10'000'000, 'a');
+    const std::string sur = Journal::messageSur(longue);
+    EXPECT_LE(sur.size(), Journal::longueurMessageMax + 40);
+    EXPECT_TRUE(sur.ends_with("a\xE2\x80\xA6 [tronque, 10000024 octets]")) << sur.substr(1900);
+    // Cut between characters and escapes, never inside one.
+    const std::string echappe = Journal::messageSur(std::string(3000, '\x01'));
+    EXPECT_EQ(echappe.rfind("\\x01\xE2\x80\xA6"), Journal::longueurMessageMax - 4);
+    // Time stamps: UTC, ISO 8601, to the second.
+    using namespace std::chrono;
+    // clang-format off
+    const std::pair<long long, const char*> dates[] = {
+        {0, "1970-01-01T00:00:00Z"}, {1772719629, "2026-03-05T14:07:09Z"}, {951782400, "2000-02-29T00:00:00Z"},
+        {4107542399, "2100-02-28T23:59:59Z"}, {4107542400, "2100-03-01T00:00:00Z"}, {-1, "1969-12-31T23:59:59Z"}};
+    // clang-format on
+    for (const auto& [s, texte] : dates) {
+        EXPECT_EQ(Journal::horodatage(system_clock::time_point(seconds(s))), texte);
+    }
+    const auto maintenant = system_clock::now() + milliseconds(999);
+    EXPECT_EQ(Journal::horodatage(maintenant).size(), 20u) << "no fractional seconds";
 }
 
 }  // namespace

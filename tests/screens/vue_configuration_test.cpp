@@ -4,7 +4,6 @@
 
 #include <deque>
 
-#include "screens/vue_erreur.hpp"
 #include "support/plateforme_test.hpp"
 
 namespace brindex {
@@ -26,11 +25,7 @@ class VueConfigurationTest : public testing::Test {
         vue->attacher(c);
     }
     // Answers the oldest probe still waiting.
-    void repondre(ResultatSonde r) {
-        auto rappel = std::move(rappels.front());
-        rappels.pop_front();
-        rappel(std::move(r));
-    }
+    void repondre(ResultatSonde r) { test::premier(rappels)(std::move(r)); }
     void etat(bool champ, bool bouton, bool roue, const Couleur& couleur,
               const std::string& message, bool forcer) {
         EXPECT_EQ(std::tie(c.champActif, c.boutonActif, c.roue, c.couleur, c.message, c.forcer),
@@ -77,7 +72,7 @@ TEST_F(VueConfigurationTest, PreteApresCreationEtDetectionSiLeChampEstVide) {
     etat(true, true, false, Marque::attenue, "", false);
 }
 
-TEST_F(VueConfigurationTest, VerificationPuisResultats) {
+TEST_F(VueConfigurationTest, VerificationPuisResultatsACoteDUneDetectionPuisVueDisparue) {
     creer();
     c.champ = " localhost:3000/wiki ";
     vue->valider();
@@ -108,9 +103,8 @@ TEST_F(VueConfigurationTest, VerificationPuisResultats) {
     repondre(ResultatSonde::ok());
     etat(true, true, false, Marque::attenue, "", false);
     EXPECT_EQ(connexions.back(), "https://intranet");
-}
-
-TEST_F(VueConfigurationTest, DetectionEtVerificationCoteACotePuisVueDisparue) {
+    // A search and a check side by side, then a view gone before the answer.
+    connexions.clear();
     creer();
     vue->detecterAdresseParDefaut();
     c.champ = "intranet";
@@ -121,27 +115,12 @@ TEST_F(VueConfigurationTest, DetectionEtVerificationCoteACotePuisVueDisparue) {
     repondre(ResultatSonde::ok());  // second default, found later
     EXPECT_EQ(c.champ, joker);
     EXPECT_FALSE(c.roue);
-    // A view gone before the answer leaves the widgets as they are.
     vue->valider();
     vue.reset();
     c.message = "inchangé";
     repondre(ResultatSonde::ok());
     EXPECT_EQ(c.message, "inchangé");
     EXPECT_TRUE(connexions.empty());
-}
-
-TEST(VueErreur, BoutonsSansRappelIgnores) {
-    VueErreur vue("détail");
-    vue.reessayer();
-    vue.changer();
-    int reessais = 0;
-    int changements = 0;
-    vue.onReessayer = [&] { ++reessais; };
-    vue.onChangerAdresse = [&] { ++changements; };
-    vue.reessayer();
-    vue.reessayer();
-    vue.changer();
-    EXPECT_EQ(std::tie(reessais, changements, vue.detail()), std::tuple(2, 1, "détail"));
 }
 
 }  // namespace

@@ -23,13 +23,12 @@ struct ReglagesMemoire : Reglages {
     std::map<std::string, std::string> valeurs;
 };
 
-// Hands the oldest of the planned answers to `reponse`; without one, the request stays open.
-template <class R>
-void repondreSiPrevu(std::deque<R>& prevues, const std::function<void(R)>& reponse) {
-    if (prevues.empty()) return;
-    auto r = std::move(prevues.front());
-    prevues.pop_front();
-    reponse(std::move(r));
+// Takes the oldest of the waiting answers or requests.
+template <class T>
+T premier(std::deque<T>& file) {
+    T t = std::move(file.front());
+    file.pop_front();
+    return t;
 }
 
 // Holds every probe until the test answers it, oldest first.
@@ -38,30 +37,15 @@ struct TransportTest : TransportHttp {
         requetes.push_back(requete);
         enAttente.push_back(std::move(fin));
     }
-    void repondre(EchangeTermine echange) {
-        auto fin = std::move(enAttente.front());
-        enAttente.pop_front();
-        fin(std::move(echange));
-    }
-    void repondreEspace() {
-        repondre({{}, EchangeTermine::Reponse::http, 200, R"({"service":"brindex"})"});
-    }
-    void repondreErreur(std::int64_t code) {
-        EchangeTermine e;
-        e.erreur = ErreurTransport{code, "erreur " + std::to_string(code)};
-        repondre(e);
-    }
+    void repondre(EchangeTermine echange) { premier(enAttente)(std::move(echange)); }
     std::vector<RequeteSonde> requetes;
     std::deque<std::function<void(EchangeTermine)>> enAttente;
 };
 
 struct VueWebTest : VueWeb {
-    VueWebTest(ParametresVueWeb p, bool avecConfiguration)
-        : parametres(std::move(p)), creeeAvecConfiguration(avecConfiguration) {}
-    void charger(const std::string& u, double delai) override {
-        chargements.emplace_back(u, delai);
-    }
-    void arreter() override { ++arrets; }
+    explicit VueWebTest(bool avecConfiguration) : creeeAvecConfiguration(avecConfiguration) {}
+    void charger(const std::string& u, double d) override { chargements.emplace_back(u, d); }
+    void arreter() override { actions.push_back("arreter"); }
     void recharger() override { actions.push_back("recharger"); }
     void rechargerOrigine() override { actions.push_back("rechargerOrigine"); }
     void reculer() override { actions.push_back("reculer"); }
@@ -73,14 +57,11 @@ struct VueWebTest : VueWeb {
     double progression() const override { return progressionCourante; }
     void detacher() override { detachee = true; }
 
-    ParametresVueWeb parametres;
-    bool creeeAvecConfiguration;
+    bool creeeAvecConfiguration, detachee = false;
     std::vector<std::pair<std::string, double>> chargements;
     std::vector<std::string> actions;
     std::optional<std::string> urlCourante, titreCourant;
     double progressionCourante = 0, zoom_ = 1.0;
-    int arrets = 0;
-    bool detachee = false;
 };
 
 struct ConfigurationTest : ConfigurationMoteur {};
@@ -112,12 +93,11 @@ struct Temoin {
 };
 
 struct FenetreTest : FenetrePrincipale {
-    FenetreTest(Temoin& t, ParametresFenetre params, std::function<void()> vaFermer)
-        : temoin(t), parametres(std::move(params)), vaFermer_(std::move(vaFermer)) {}
-    void definirTitre(const std::string& t) override {
-        titre = t;
-        temoin.trace("titre " + t);
-    }
+    enum class Ecran { initial, configuration, espace, erreur };
+
+    FenetreTest(Temoin& t, const ParametresFenetre& p, std::function<void()> vaFermer)
+        : temoin(t), vaFermer_(std::move(vaFermer)), titre(p.titre) {}
+    void definirTitre(const std::string& t) override { titre = t; }
     bool estCle() const override { return cle; }
     void devant() override {
         ++passagesDevant;
@@ -125,59 +105,46 @@ struct FenetreTest : FenetrePrincipale {
         temoin.trace("devant");
     }
     void oublierFermeture() override { vaFermer_ = nullptr; }
+    // Also the user's press on the close button.
     void fermer() override {
         if (fermee) return;
         fermee = true;
         cle = false;
-        temoin.trace("fermer " + parametres.titre);
+        temoin.trace("fermer " + titre);
         if (auto rappel = std::move(vaFermer_)) rappel();
     }
     void feuille(const Alerte& a) override { feuilles.push_back(a); }
     void montrerConfiguration(std::shared_ptr<VueConfiguration> vue) override {
-        vider(Ecran::configuration, "ecran configuration");
-        configuration = std::move(vue);
-        controles = ControlesTest{};
-        configuration->attacher(controles);
+        montrer(Ecran::configuration, "ecran configuration");
+        (configuration = std::move(vue))->attacher(controles = ControlesTest{});
     }
-    void montrerEspace(std::shared_ptr<VueWeb> vue) override {
-        vider(Ecran::espace, "ecran espace");
-        espace = std::move(vue);
-        barreVisible = false;
-    }
+    void montrerEspace(std::shared_ptr<VueWeb>) override { montrer(Ecran::espace, "ecran espace"); }
     void montrerErreur(std::shared_ptr<VueErreur> vue) override {
-        vider(Ecran::erreur, "ecran erreur");
+        montrer(Ecran::erreur, "ecran erreur");
         erreur = std::move(vue);
     }
     void progression(double valeur, bool visible) override {
         barre = valeur;
         barreVisible = visible;
     }
-    // The user presses the close button.
-    void fermerParUtilisateur() { fermer(); }
-
-    enum class Ecran { initial, configuration, espace, erreur };
-    void vider(Ecran nouvel, const char* evenement) {
+    void montrer(Ecran nouvel, const char* evenement) {
         ecran = nouvel;
         configuration.reset();
-        espace.reset();
         erreur.reset();
         temoin.trace(evenement);
     }
 
     Temoin& temoin;
-    ParametresFenetre parametres;
     std::function<void()> vaFermer_;
-    std::string titre = parametres.titre;
-    bool cle = false, fermee = false;
+    std::string titre;
+    bool cle = false, fermee = false, barreVisible = false;
     int passagesDevant = 0;
+    double barre = -1;
     Ecran ecran = Ecran::initial;
     std::shared_ptr<VueConfiguration> configuration;
     ControlesTest controles;
-    std::shared_ptr<VueWeb> espace;
     std::shared_ptr<VueErreur> erreur;
     std::vector<Alerte> feuilles;
-    double barre = -1;
-    bool barreVisible = false;
 };
 
 struct PlateformeTest : Plateforme, Temoin {
@@ -189,16 +156,14 @@ struct PlateformeTest : Plateforme, Temoin {
     std::shared_ptr<VueWeb> creerVueWeb(const ParametresVueWeb& p,
                                         const ConfigurationMoteur* configuration) override {
         trace(p.principale ? "vue principale" : "vue secondaire");
-        return vues.emplace_back(std::make_shared<VueWebTest>(p, configuration != nullptr));
+        return vues.emplace_back(std::make_shared<VueWebTest>(configuration != nullptr));
     }
     std::shared_ptr<Fenetre> creerFenetreSecondaire(const ParametresFenetre& p,
                                                     std::shared_ptr<VueWeb> vue,
                                                     std::function<void()> vaFermer) override {
-        auto fenetre =
+        auto& fenetre =
             secondaires.emplace_back(std::make_shared<FenetreTest>(*this, p, std::move(vaFermer)));
-        fenetre->espace = std::move(vue);
-        fenetre->ecran = FenetreTest::Ecran::espace;
-        trace("fenetre secondaire");
+        fenetre->montrerEspace(std::move(vue));
         fenetre->devant();
         return fenetre;
     }
@@ -206,12 +171,12 @@ struct PlateformeTest : Plateforme, Temoin {
     void reveler(const std::string& chemin) override { reveles.push_back(chemin); }
     void alerte(const Alerte& a, std::function<void(ReponseAlerte)> reponse) override {
         alertes.push_back(a);
-        repondreSiPrevu(reponsesAlertes, reponse);
+        if (!reponsesAlertes.empty()) reponse(premier(reponsesAlertes));
     }
     void choisirFichiers(const DemandeFichiers& d,
                          std::function<void(FichiersChoisis)> reponse) override {
         demandesFichiers.push_back(d);
-        repondreSiPrevu(reponsesFichiers, reponse);
+        if (!reponsesFichiers.empty()) reponse(premier(reponsesFichiers));
     }
     Reglages& reglages() override { return reglages_; }
     TransportHttp& transport() override { return transport_; }
@@ -222,7 +187,6 @@ struct PlateformeTest : Plateforme, Temoin {
         return suffixesTemporaires;
     }
     std::chrono::steady_clock::time_point maintenant() const override { return horloge; }
-
     // Makes this window the only key one (nullptr: none is key).
     void rendreCle(Fenetre* fenetre) override {
         for (auto& f : principales) f->cle = f.get() == fenetre;
@@ -235,7 +199,7 @@ struct PlateformeTest : Plateforme, Temoin {
     std::vector<std::shared_ptr<VueWebTest>> vues;
     std::vector<std::string> urlsOuvertes, reveles;
     std::vector<Alerte> alertes;
-    // Answers given to the next alerts, in order; an alert without one stays unanswered.
+    // Answers to the next alerts and file choices; one without stays unanswered.
     std::deque<ReponseAlerte> reponsesAlertes;
     std::vector<DemandeFichiers> demandesFichiers;
     std::deque<FichiersChoisis> reponsesFichiers;
