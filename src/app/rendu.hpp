@@ -13,6 +13,7 @@ struct ChoixRendu {
     bool logiciel = false;         // GL would run in software
     bool rendeurCairo = false;     // GTK draws with cairo (set before its first window)
     bool sansComposition = false;  // WebKit never composites in hardware
+    bool sansGl = false;           // GTK doesn't prepare GL when it opens the display
     std::string ligneJournal;
 };
 
@@ -21,5 +22,12 @@ struct ChoixRendu {
 // (GSK_RENDERER, WEBKIT_DISABLE_COMPOSITING_MODE), which always wins.
 ChoixRendu choisirRendu(const std::optional<std::string>& rendeurGl, bool gskImpose,
                         bool compositionImposee);
+
+// Before the toolkit opens the display. Without a graphics device (no render node, no
+// proprietary driver's device), GL can only run in software: the choice needs no probe, and
+// GTK need not prepare GL at all, which spares each launch loading a software GL driver (about
+// a tenth of a second, and its memory). Nothing when there is a device: the probe decides.
+std::optional<ChoixRendu> choisirRenduSansCarte(bool carteGraphique, bool gskImpose,
+                                                bool compositionImposee);
 
 }  // namespace brindex

@@ -66,6 +66,15 @@ TEST(Rendu, LogicielSansGpuSaufSiLEnvironnementEnDecide) {
                   std::tie(logiciel, cairo, sansComposition))
             << rendeur.value_or("pas de GL") << " " << gsk << composition;
     }
+    // Without a graphics device no probe is needed, and GL is left unprepared unless the user
+    // named a renderer; with one, the probe decides.
+    EXPECT_FALSE(choisirRenduSansCarte(true, false, false));
+    for (const auto& [gsk, composition] : {std::pair{false, false}, {true, false}, {false, true}}) {
+        const auto c = choisirRenduSansCarte(false, gsk, composition);
+        ASSERT_TRUE(c);
+        EXPECT_EQ(std::make_tuple(c->logiciel, c->rendeurCairo, c->sansComposition, c->sansGl),
+                  std::make_tuple(true, !gsk, !composition, !gsk));
+    }
 }
 
 struct CoquilleTest : Coquille {

@@ -89,6 +89,16 @@ int ApplicationGtk::executer(int argc, char** argv) {
             return 0;
         }
     }
+    // Without a graphics device GTK is told, before it opens the display, not to prepare GL.
+    renduSansCarte_ =
+        choisirRenduSansCarte(carteGraphiquePresente(), g_getenv("GSK_RENDERER") != nullptr,
+                              g_getenv("WEBKIT_DISABLE_COMPOSITING_MODE") != nullptr);
+    if (renduSansCarte_ && renduSansCarte_->sansGl) {
+        const char* debogage = g_getenv("GDK_DEBUG");
+        const std::string drapeaux =
+            debogage && *debogage ? std::string(debogage) + ",gl-disable" : "gl-disable";
+        g_setenv("GDK_DEBUG", drapeaux.c_str(), TRUE);
+    }
     char* seul[] = {argc > 0 ? argv[0] : nullptr, nullptr};
     return g_application_run(G_APPLICATION(application_.get()), argc > 0 ? 1 : 0, seul);
 }
@@ -119,8 +129,10 @@ void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
     gtk_window_set_default_icon_name(std::string(Marque::identifiant).c_str());
     jalon("application enregistree");
     // The renderer, before GTK makes one for the first window.
-    const auto rendu = choisirRendu(rendeurGlGtk(), g_getenv("GSK_RENDERER") != nullptr,
-                                    g_getenv("WEBKIT_DISABLE_COMPOSITING_MODE") != nullptr);
+    const auto rendu = soi->renduSansCarte_
+                           ? *soi->renduSansCarte_
+                           : choisirRendu(rendeurGlGtk(), g_getenv("GSK_RENDERER") != nullptr,
+                                          g_getenv("WEBKIT_DISABLE_COMPOSITING_MODE") != nullptr);
     if (rendu.rendeurCairo) g_setenv("GSK_RENDERER", "cairo", TRUE);
     Journal::ecrire(rendu.ligneJournal);
     jalon("rendu choisi");

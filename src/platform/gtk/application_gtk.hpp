@@ -7,6 +7,7 @@
 
 #include "app/commandes.hpp"
 #include "app/lancement.hpp"
+#include "app/rendu.hpp"
 #include "container/controleur.hpp"
 #include "outils_gtk.hpp"
 #include "plateforme_gtk.hpp"
@@ -42,6 +43,8 @@ class ApplicationGtk : public Coquille {
     void aPropos();
 
     Ref<GtkApplication> application_;
+    // Chosen before GTK opened the display, when no probe was needed.
+    std::optional<ChoixRendu> renduSansCarte_;
     std::unique_ptr<PlateformeGtk> plateforme_;
     std::shared_ptr<Controleur> controleur_;
 };

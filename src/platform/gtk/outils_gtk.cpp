@@ -3,6 +3,10 @@
 #include <cmath>
 #include <cstddef>
 #include <sstream>
+#include <string>
+
+#include <time.h>
+#include <unistd.h>
 
 #include "screens/disposition.hpp"
 
@@ -129,15 +133,47 @@ GdkPaintable* icone() {
 namespace brindex::gtk {
 
 namespace {
-// Taken before main runs.
-const gint64 debutProgramme = g_get_monotonic_time();
+
 const bool traceDemandee = g_getenv("BRINDEX_TRACE") != nullptr;
+
+// Milliseconds since the process was executed: its start time since boot, from /proc, against
+// the boot clock (the dynamic linking of WebKit and GTK, before main, counts too).
+double depuisExec() {
+    static const double exec = [] {
+        gchar* stat = nullptr;
+        if (!g_file_get_contents("/proc/self/stat", &stat, nullptr, nullptr)) return 0.0;
+        std::istringstream champs(std::string(stat).substr(std::string(stat).rfind(')') + 2));
+        g_free(stat);
+        std::string champ;
+        // The fields after the command's name start at the 3rd; the start time is the 22nd.
+        for (int i = 3; i < 22 && champs >> champ;) ++i;
+        double ticks = 0;
+        champs >> ticks;
+        return ticks * 1000.0 / static_cast<double>(sysconf(_SC_CLK_TCK));
+    }();
+    timespec t{};
+    clock_gettime(CLOCK_BOOTTIME, &t);
+    return static_cast<double>(t.tv_sec) * 1000.0 + static_cast<double>(t.tv_nsec) / 1e6 - exec;
+}
+
 }  // namespace
 
 void jalon(const char* quoi) {
     if (!traceDemandee) return;
-    g_printerr("brindex +%lld %s\n",
-               static_cast<long long>((g_get_monotonic_time() - debutProgramme) / 1000), quoi);
+    g_printerr("brindex +%.0f %s\n", depuisExec(), quoi);
+}
+
+void jalonPremiereImage(GtkWidget* widget) {
+    static bool vue = false;
+    GdkFrameClock* horloge = gtk_widget_get_frame_clock(widget);
+    if (!traceDemandee || vue || !horloge) return;
+    vue = true;
+    g_signal_connect(horloge, "after-paint", G_CALLBACK(+[](GdkFrameClock* h, gpointer) {
+                         jalon("premiere image");
+                         g_signal_handlers_disconnect_matched(h, G_SIGNAL_MATCH_DATA, 0, 0, nullptr,
+                                                              nullptr, &vue);
+                     }),
+                     &vue);
 }
 
 }  // namespace brindex::gtk

@@ -63,7 +63,9 @@ GdkPaintable* icone();
 namespace brindex::gtk {
 
 // With BRINDEX_TRACE set, writes "brindex +<ms> <what>" to standard error: the milestones of
-// the launch, from the program's start (scripts/banc-essai --jalons reads them).
+// the launch, from the program's execution (scripts/banc-essai reads them).
 void jalon(const char* quoi);
+// The same, once, when the window of `widget` has next been painted.
+void jalonPremiereImage(GtkWidget* widget);
 
 }  // namespace brindex::gtk

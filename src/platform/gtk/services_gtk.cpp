@@ -100,4 +100,17 @@ std::optional<std::string> rendeurGlGtk() {
     return rendeur;
 }
 
+bool carteGraphiquePresente() {
+    if (g_file_test("/dev/nvidia0", G_FILE_TEST_EXISTS)) return true;
+    GDir* dossier = g_dir_open("/dev/dri", 0, nullptr);
+    if (!dossier) return false;
+    bool trouve = false;
+    while (const char* nom = g_dir_read_name(dossier)) {
+        const std::string_view n(nom);
+        trouve = trouve || n.starts_with("renderD") || n.starts_with("card");
+    }
+    g_dir_close(dossier);
+    return trouve;
+}
+
 }  // namespace brindex::gtk

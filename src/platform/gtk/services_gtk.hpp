@@ -21,4 +21,8 @@ std::string cheminJournalGtk();
 // be had at all.
 std::optional<std::string> rendeurGlGtk();
 
+// Whether the machine has a graphics device GL could run on: a DRM node, or the device of
+// NVIDIA's own driver. Asked before GTK opens the display.
+bool carteGraphiquePresente();
+
 }  // namespace brindex::gtk

@@ -314,7 +314,10 @@ void VueWebGtk::surChargement(WebKitWebView*, WebKitLoadEvent evenement, gpointe
           : evenement == WEBKIT_LOAD_FINISHED  ? "chargement fini"
                                                : "redirection");
     // The server has answered: the time-out no longer applies.
-    if (evenement == WEBKIT_LOAD_COMMITTED) vue->annulerDelai();
+    if (evenement == WEBKIT_LOAD_COMMITTED) {
+        vue->annulerDelai();
+        jalonPremiereImage(vue->widget());
+    }
     if (evenement != WEBKIT_LOAD_FINISHED || vue->echec_) return;
     if (const auto c = vue->controleur_.lock()) c->chargementTermine(*vue);
 }
