@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/commandes.hpp"
+#include "container/commandes.hpp"
 
 namespace brindex {
 

@@ -11,7 +11,7 @@
 
 #include "address/origine.hpp"
 #include "address/url.hpp"
-#include "app/commandes.hpp"
+#include "container/commandes.hpp"
 #include "container/politique.hpp"
 #include "container/ports.hpp"
 

@@ -5,9 +5,9 @@
 #include <functional>
 #include <memory>
 
-#include "app/commandes.hpp"
 #include "app/lancement.hpp"
 #include "app/rendu.hpp"
+#include "container/commandes.hpp"
 #include "container/controleur.hpp"
 #include "outils_gtk.hpp"
 #include "plateforme_gtk.hpp"
