@@ -57,11 +57,16 @@ bool estBlanc(char32_t c, Blancs blancs) {
 
 }  // namespace
 
+std::size_t longueurUtf8(std::string_view texte, std::size_t debut) {
+    const auto point = decoder(texte, debut);
+    return point ? point->longueur : 0;
+}
+
 bool estUtf8(std::string_view texte) {
     for (std::size_t i = 0; i < texte.size();) {
-        const auto point = decoder(texte, i);
-        if (!point) return false;
-        i += point->longueur;
+        const std::size_t longueur = longueurUtf8(texte, i);
+        if (longueur == 0) return false;
+        i += longueur;
     }
     return true;
 }

@@ -19,6 +19,9 @@ std::string_view retirerBlancs(std::string_view texte, Blancs blancs);
 // Strict UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
 bool estUtf8(std::string_view texte);
 
+// The length in bytes of the UTF-8 sequence starting at `debut`, or 0 where none valid starts.
+std::size_t longueurUtf8(std::string_view texte, std::size_t debut);
+
 // The length of the longest prefix of at most `octets` bytes that doesn't end inside a UTF-8
 // sequence.
 std::size_t coupureUtf8(std::string_view texte, std::size_t octets);

@@ -188,6 +188,13 @@ void Controleur::progressionChange(VueWeb& vue) {
     fenetre_->progression(progression, barreVisible(progression));
 }
 
+FenetreSecondaire* Controleur::secondaireDe(const VueWeb& vue) const {
+    for (const auto& secondaire : fenetresSecondaires_) {
+        if (secondaire->webView().get() == &vue) return secondaire.get();
+    }
+    return nullptr;
+}
+
 void Controleur::oublierVue(const VueWeb& vue) {
     originesWebView_.erase(&vue);
     finsProcessus_.erase(&vue);
@@ -224,7 +231,7 @@ void Controleur::detourner(const Detournement& detournement) {
 Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action) {
     const auto decision = brindex::deciderAction(
         action, origineDe(vue), actionUtilisateurDisponible(action.gesteUtilisateur));
-    detourner({decision.urlAOuvrir, decision.ligneJournal});
+    detourner(decision.effet);
     if (decision.siCadrePrincipal && action.url) {
         auto& attentes = attentes_[&vue];
         if (attentes.size() == attentesParVue) attentes.erase(attentes.begin());
@@ -284,11 +291,8 @@ void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
         }
         return;
     }
-    for (const auto& secondaire : fenetresSecondaires_) {
-        if (secondaire->webView().get() == &vue) {
-            secondaire->fenetre()->feuille(alerteSimple("Page inaccessible", detail));
-            return;
-        }
+    if (FenetreSecondaire* secondaire = secondaireDe(vue)) {
+        secondaire->fenetre()->feuille(alerteSimple("Page inaccessible", detail));
     }
 }
 
@@ -310,11 +314,8 @@ void Controleur::processusTermine(VueWeb& vue, FinProcessus fin) {
         montrerErreur(texteProcessus);
         return;
     }
-    for (const auto& secondaire : fenetresSecondaires_) {
-        if (secondaire->webView().get() == &vue) {
-            secondaire->fenetre()->feuille(alerteSimple("Page inaccessible", texteProcessus));
-            return;
-        }
+    if (FenetreSecondaire* secondaire = secondaireDe(vue)) {
+        secondaire->fenetre()->feuille(alerteSimple("Page inaccessible", texteProcessus));
     }
 }
 
@@ -380,12 +381,7 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
 
 void Controleur::fermetureDemandee(VueWeb& vue) {
     // The main window never closes at a page's request.
-    for (const auto& secondaire : fenetresSecondaires_) {
-        if (secondaire->webView().get() == &vue) {
-            secondaire->fenetre()->fermer();
-            return;
-        }
-    }
+    if (FenetreSecondaire* secondaire = secondaireDe(vue)) secondaire->fenetre()->fermer();
 }
 
 void Controleur::fermerFenetresSecondaires() {

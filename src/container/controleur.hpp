@@ -148,6 +148,8 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     // Whether an action of the user is there to be spent (and the engine doesn't deny it).
     bool actionUtilisateurDisponible(std::optional<bool> geste) const;
     void oublierVue(const VueWeb& vue);
+    // The secondary window that shows `vue`, if any.
+    FenetreSecondaire* secondaireDe(const VueWeb& vue) const;
     void detourner(const Detournement& detournement);
     // Takes out the navigation waiting on this address; what to do instead, if it filled the
     // main frame.

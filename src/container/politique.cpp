@@ -9,8 +9,7 @@ namespace {
 const std::string ligneExterneRefusee = "navigation externe automatique REFUSEE vers ";
 
 DecisionAction etapeFinale(const ActionNavigation& action) {
-    return {
-        action.telechargementDemande ? Politique::telecharger : Politique::autoriser, {}, {}, {}};
+    return {action.telechargementDemande ? Politique::telecharger : Politique::autoriser, {}, {}};
 }
 
 }  // namespace
@@ -26,14 +25,14 @@ DecisionAction deciderAction(const ActionNavigation& action,
     if (scheme == "mailto" || scheme == "tel") {
         DecisionAction decision;
         if (lienClique) {
-            decision.urlAOuvrir = *action.url;
+            decision.effet.urlAOuvrir = *action.url;
         } else if (action.type == TypeNavigation::lienActive) {
-            decision.ligneJournal = ligneExterneRefusee + *action.url;
+            decision.effet.ligneJournal = ligneExterneRefusee + *action.url;
         }
         return decision;
     }
     if (scheme != "http" && scheme != "https") {
-        return {Politique::annuler, {}, "navigation REFUSEE scheme=" + scheme, {}};
+        return {Politique::annuler, {{}, "navigation REFUSEE scheme=" + scheme}, {}};
     }
     // Embedded frames may show any site; only what fills the view is held to its origin.
     if (action.cible == CadreCible::sousCadre) return etapeFinale(action);
@@ -49,7 +48,7 @@ DecisionAction deciderAction(const ActionNavigation& action,
         provisoire.siCadrePrincipal = detournement;
         return provisoire;
     }
-    return {Politique::annuler, detournement.urlAOuvrir, detournement.ligneJournal, {}};
+    return {Politique::annuler, detournement, {}};
 }
 
 Politique deciderReponse(const ReponseNavigation& reponse) {

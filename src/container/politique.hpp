@@ -8,7 +8,7 @@
 
 namespace brindex {
 
-// What a navigation to another site does instead of loading, when it fills the main frame.
+// What a navigation does instead of loading: at most one of the two.
 struct Detournement {
     std::optional<std::string> urlAOuvrir;    // hand to the default browser or handler
     std::optional<std::string> ligneJournal;  // write to the diagnostic log
@@ -17,8 +17,7 @@ struct Detournement {
 // A navigation decision plus at most one side effect.
 struct DecisionAction {
     Politique politique = Politique::annuler;
-    std::optional<std::string> urlAOuvrir;    // hand to the default browser or handler
-    std::optional<std::string> ligneJournal;  // write to the diagnostic log
+    Detournement effet;
     // For a frame the engine doesn't name: allowed as a sub-frame may be; if the response shows
     // that the main frame was navigating, it is refused then and this is done instead.
     std::optional<Detournement> siCadrePrincipal;

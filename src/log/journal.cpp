@@ -68,14 +68,7 @@ std::string messageSur(std::string_view message) {
     while (i < message.size()) {
         const auto octet = static_cast<unsigned char>(message[i]);
         // A whole UTF-8 sequence is kept as it is; a control or a stray byte is escaped.
-        std::size_t longueur = 1;
-        if (octet >= 0x80) {
-            longueur = octet >= 0xF0 ? 4 : octet >= 0xE0 ? 3 : 2;
-            if (i + longueur > message.size() || !estUtf8(message.substr(i, longueur)))
-                longueur = 0;
-        } else if (octet < 0x20 || octet == 0x7F) {
-            longueur = 0;
-        }
+        const std::size_t longueur = octet < 0x20 || octet == 0x7F ? 0 : longueurUtf8(message, i);
         const std::size_t place = longueur == 0 ? 4 : longueur;
         if (sur.size() + place > longueurMessageMax) break;
         if (longueur == 0) {
