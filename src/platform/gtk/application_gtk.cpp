@@ -16,6 +16,14 @@ namespace brindex::gtk {
 
 namespace {
 
+// The renderers the user named through the environment, which always win.
+bool gskImpose() {
+    return g_getenv("GSK_RENDERER") != nullptr;
+}
+bool compositionImposee() {
+    return g_getenv("WEBKIT_DISABLE_COMPOSITING_MODE") != nullptr;
+}
+
 // "performClose:" becomes the action "performClose".
 std::string nomAction(const ElementMenu& element) {
     std::string nom(element.selecteur);
@@ -91,8 +99,7 @@ int ApplicationGtk::executer(int argc, char** argv) {
     }
     // Without a graphics device GTK is told, before it opens the display, not to prepare GL.
     renduSansCarte_ =
-        choisirRenduSansCarte(carteGraphiquePresente(), g_getenv("GSK_RENDERER") != nullptr,
-                              g_getenv("WEBKIT_DISABLE_COMPOSITING_MODE") != nullptr);
+        choisirRenduSansCarte(carteGraphiquePresente(), gskImpose(), compositionImposee());
     if (renduSansCarte_ && renduSansCarte_->sansGl) {
         const char* debogage = g_getenv("GDK_DEBUG");
         const std::string drapeaux =
@@ -131,8 +138,7 @@ void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
     // The renderer, before GTK makes one for the first window.
     const auto rendu = soi->renduSansCarte_
                            ? *soi->renduSansCarte_
-                           : choisirRendu(rendeurGlGtk(), g_getenv("GSK_RENDERER") != nullptr,
-                                          g_getenv("WEBKIT_DISABLE_COMPOSITING_MODE") != nullptr);
+                           : choisirRendu(rendeurGlGtk(), gskImpose(), compositionImposee());
     if (rendu.rendeurCairo) g_setenv("GSK_RENDERER", "cairo", TRUE);
     Journal::ecrire(rendu.ligneJournal);
     jalon("rendu choisi");

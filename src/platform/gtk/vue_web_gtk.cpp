@@ -1,6 +1,5 @@
 #include "vue_web_gtk.hpp"
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -30,24 +29,6 @@ WebKitSettings* reglagesMoteur(const ParametresVueWeb& parametres) {
     webkit_settings_set_enable_back_forward_navigation_gestures(reglages,
                                                                 parametres.gestesHistorique);
     return reglages;
-}
-
-// A text as a JavaScript string literal.
-std::string texteJavaScript(const std::string& texte) {
-    std::string litteral = "\"";
-    for (const char c : texte) {
-        if (c == '"' || c == '\\') {
-            litteral += '\\';
-            litteral += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            char echappe[8];
-            std::snprintf(echappe, sizeof echappe, "\\u%04x", c);
-            litteral += echappe;
-        } else {
-            litteral += c;
-        }
-    }
-    return litteral + "\"";
 }
 
 ActionNavigation actionDepuis(WebKitNavigationAction* action, CadreCible cible) {
@@ -128,7 +109,6 @@ VueWebGtk::VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
 }
 
 VueWebGtk::~VueWebGtk() {
-    *vivante_ = nullptr;
     detacher();
     // Dialogs still open answer now, while their view is still there to hear it.
     for (const auto& faible : dialogues_) {
@@ -267,35 +247,44 @@ void VueWebGtk::deciderLienActive(WebKitPolicyDecision* decision, ActionNavigati
     // space goes to the browser without being loaded here first. Anything else (a link inside a
     // frame, which may aim at the top or at its own frame; a link aimed at a named frame) is left
     // to the response, which names its frame. The answer waits for the page.
-    std::string element = "document.activeElement";
-    if (dernierClic_) {
-        const double zoom = webkit_web_view_get_zoom_level(vue_.get());
-        element = "document.elementFromPoint(" + std::to_string(dernierClic_->first / zoom) + ", " +
-                  std::to_string(dernierClic_->second / zoom) + ")";
+    static constexpr const char* corps =
+        "const e = clic ? document.elementFromPoint(x, y) : document.activeElement;"
+        " const a = e?.closest('a, area'); if (!a || a.href !== url) return false;"
+        " return ['', '_self', '_top', '_parent'].includes("
+        "(a.getAttribute('target') || '').toLowerCase());";
+    const std::string url = action.url.value_or("");
+    if (!g_utf8_validate(url.c_str(), static_cast<gssize>(url.size()), nullptr)) {
+        if (const auto c = controleur_.lock()) appliquer(decision, c->deciderAction(*this, action));
+        return;
     }
-    const std::string source = "((url) => { const a = " + element +
-                               "?.closest('a, area'); if (!a || a.href !== url) return false;"
-                               " return ['', '_self', '_top', '_parent'].includes("
-                               "(a.getAttribute('target') || '').toLowerCase()); })(" +
-                               texteJavaScript(action.url.value_or("")) + ")";
+    const double zoom = webkit_web_view_get_zoom_level(vue_.get());
+    // Handed to the page as arguments, never spliced into its source; the engine takes no
+    // boolean argument, so "clic" is a number.
+    GVariantBuilder arguments;
+    g_variant_builder_init(&arguments, G_VARIANT_TYPE("a{sv}"));
+    g_variant_builder_add(&arguments, "{sv}", "url", g_variant_new_string(url.c_str()));
+    g_variant_builder_add(&arguments, "{sv}", "clic", g_variant_new_double(dernierClic_ ? 1 : 0));
+    g_variant_builder_add(&arguments, "{sv}", "x",
+                          g_variant_new_double(dernierClic_ ? dernierClic_->first / zoom : 0));
+    g_variant_builder_add(&arguments, "{sv}", "y",
+                          g_variant_new_double(dernierClic_ ? dernierClic_->second / zoom : 0));
     struct Attente {
-        std::weak_ptr<VueWebGtk*> vue;
+        std::weak_ptr<VueWebGtk> vue;
         Ref<WebKitPolicyDecision> decision;
         ActionNavigation action;
     };
-    auto* attente =
-        new Attente{vivante_, Ref<WebKitPolicyDecision>::partager(decision), std::move(action)};
-    webkit_web_view_evaluate_javascript(
-        vue_.get(), source.c_str(), -1, nullptr, nullptr, nullptr,
+    auto* attente = new Attente{weak_from_this(), Ref<WebKitPolicyDecision>::partager(decision),
+                                std::move(action)};
+    webkit_web_view_call_async_javascript_function(
+        vue_.get(), corps, -1, g_variant_builder_end(&arguments), nullptr, nullptr, nullptr,
         [](GObject* objet, GAsyncResult* resultat, gpointer donnees) {
             std::unique_ptr<Attente> a(static_cast<Attente*>(donnees));
-            JSCValue* valeur = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(objet),
-                                                                          resultat, nullptr);
+            JSCValue* valeur = webkit_web_view_call_async_javascript_function_finish(
+                WEBKIT_WEB_VIEW(objet), resultat, nullptr);
             a->action.cible = valeur && jsc_value_to_boolean(valeur) ? CadreCible::principal
                                                                      : CadreCible::inconnu;
             if (valeur) g_object_unref(valeur);
-            const auto vivante = a->vue.lock();
-            VueWebGtk* vue = vivante ? *vivante : nullptr;
+            const auto vue = a->vue.lock();
             const auto c = vue ? vue->controleur_.lock() : nullptr;
             if (!c || !vue->attachee_) {
                 webkit_policy_decision_ignore(a->decision.get());
@@ -322,30 +311,23 @@ void VueWebGtk::surChargement(WebKitWebView*, WebKitLoadEvent evenement, gpointe
     if (const auto c = vue->controleur_.lock()) c->chargementTermine(*vue);
 }
 
+void VueWebGtk::echouer(ErreurChargement erreur, const char* url) {
+    echec_ = true;
+    annulerDelai();
+    erreur.url = texte(url);
+    if (const auto c = controleur_.lock()) c->traiterEchec(erreur, *this);
+}
+
 gboolean VueWebGtk::surEchec(WebKitWebView*, WebKitLoadEvent, char* url, GError* erreur,
                              gpointer donnees) {
-    VueWebGtk* vue = soi(donnees);
-    vue->echec_ = true;
-    vue->annulerDelai();
-    if (const auto c = vue->controleur_.lock()) {
-        auto valeur = erreurDepuisGError(erreur);
-        valeur.url = texte(url);
-        c->traiterEchec(valeur, *vue);
-    }
+    soi(donnees)->echouer(erreurDepuisGError(erreur), url);
     // No engine error page: the application explains failures itself.
     return TRUE;
 }
 
 gboolean VueWebGtk::surEchecTls(WebKitWebView*, char* url, GTlsCertificate*,
                                 GTlsCertificateFlags defauts, gpointer donnees) {
-    VueWebGtk* vue = soi(donnees);
-    vue->echec_ = true;
-    vue->annulerDelai();
-    if (const auto c = vue->controleur_.lock()) {
-        auto erreur = erreurTls(defauts, "Le certificat du serveur n'est pas valide.");
-        erreur.url = texte(url);
-        c->traiterEchec(erreur, *vue);
-    }
+    soi(donnees)->echouer(erreurTls(defauts, "Le certificat du serveur n'est pas valide."), url);
     return TRUE;
 }
 

@@ -22,7 +22,7 @@ class ConfigurationGtk : public ConfigurationMoteur {
 };
 
 // A WebKitWebView whose engine callbacks become the controller's plain values.
-class VueWebGtk : public VueWeb {
+class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> {
   public:
     // `ouvreur`: the web view whose page asked for this one, which shares its session.
     // `sansComposition`: WebKit never composites in hardware.
@@ -71,6 +71,8 @@ class VueWebGtk : public VueWeb {
     static void surFinProcessus(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer);
     static gboolean surEntree(GtkEventControllerLegacy*, GdkEvent*, gpointer);
     void annulerDelai();
+    // A failed load, reported once with the address that failed.
+    void echouer(ErreurChargement erreur, const char* url);
     // Decides a link the user activated once the page has said whether it lies in a frame.
     void deciderLienActive(WebKitPolicyDecision* decision, ActionNavigation action);
 
@@ -88,8 +90,6 @@ class VueWebGtk : public VueWeb {
     GtkEventController* entrees_ = nullptr;
     // Where the last press was, in the page's coordinates: a key press has none.
     std::optional<std::pair<double, double>> dernierClic_;
-    // Lets an answer that comes after the view has gone find nothing.
-    std::shared_ptr<VueWebGtk*> vivante_ = std::make_shared<VueWebGtk*>(this);
 };
 
 }  // namespace brindex::gtk
