@@ -14,8 +14,13 @@ std::optional<Url> lireAdresseEspace(const Reglages& reglages) {
 }
 
 void ecrireAdresseEspace(Reglages& reglages, const std::optional<Url>& url) {
-    reglages.ecrire(std::string(Marque::cleEspace),
-                    url ? std::optional<std::string>(url->texte()) : std::nullopt);
+    const std::string cle(Marque::cleEspace);
+    const auto nouvelle = url ? std::optional<std::string>(url->texte()) : std::nullopt;
+    if (reglages.lire(cle) != nouvelle) {
+        for (const auto propre : CleEspace::tout)
+            reglages.ecrire(std::string(propre), std::nullopt);
+    }
+    reglages.ecrire(cle, nouvelle);
 }
 
 }  // namespace brindex

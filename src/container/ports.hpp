@@ -66,8 +66,16 @@ inline constexpr std::string_view domaineWebKit = "WebKitErrorDomain";
 
 // ---- Dialogs ----
 
-// A native alert: title, explanation, buttons left to right in reading order (the first is
-// the default), and an optional one-line text field.
+// A labelled one-line field of an alert (a user name, a password).
+struct ChampAlerte {
+    std::string libelle;
+    std::string texte;
+    // Typed characters are hidden.
+    bool secret = false;
+};
+
+// A native alert: title, explanation, buttons (the first one rightmost, where the platform puts
+// the default), an optional one-line text field, labelled fields and a check box.
 struct Alerte {
     std::string message;
     std::string informatif;
@@ -75,6 +83,13 @@ struct Alerte {
     std::optional<std::string> champ;
     double largeurChamp = 260;
     double hauteurChamp = 24;
+    // Under the text, in order: labelled fields, then a check box, unchecked at first.
+    std::vector<ChampAlerte> champs = {};
+    std::optional<std::string> caseACocher = std::nullopt;
+    // The button Return presses, and the one Escape presses; without one, Escape dismisses the
+    // alert, which answers no button.
+    std::size_t boutonParDefaut = 0;
+    std::optional<std::size_t> boutonEchap = std::nullopt;
 };
 
 struct ReponseAlerte {
@@ -84,6 +99,9 @@ struct ReponseAlerte {
     std::string champ;
     // The user changed the field's text.
     bool champModifie = false;
+    // The labelled fields' texts, in order, and the check box.
+    std::vector<std::string> champs = {};
+    bool caseCochee = false;
 };
 
 struct DemandeFichiers {
@@ -157,8 +175,10 @@ class Fenetre {
     // Forgets the close callback, so that closing the window reports nothing.
     virtual void oublierFermeture() = 0;
     virtual void fermer() = 0;
-    // An alert sheet attached to this window; nothing happens when it is dismissed.
-    virtual void feuille(const Alerte& alerte) = 0;
+    // An alert sheet attached to this window: it blocks this window only; `reponse`, if any,
+    // runs once when it closes.
+    virtual void feuille(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) = 0;
+    void feuille(const Alerte& alerte) { feuille(alerte, nullptr); }
 };
 
 // The main window shows exactly one of three screens.

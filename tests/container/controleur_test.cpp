@@ -16,12 +16,20 @@ TEST_F(ControleurTest, DemarrerSansAdresseMontreLaConfigurationQuiStockeEtOuvre)
     ASSERT_EQ(p.transport_.requetes.size(), 1u);
     EXPECT_EQ(p.transport_.requetes[0].url, "https://espace.brindex.example/health");
     for (int i = 0; i < 2; ++i) p.transport_.repondre({ErreurTransport{-1003, "x"}, {}, 0, {}});
-    fenetre().controles.champ = "localhost:3000/wiki";
-    fenetre().configuration->valider();
-    p.transport_.repondre({{}, EchangeTermine::Reponse::http, 200, R"({"service":"brindex"})"});
+    // What was kept for another space goes with it; the same space confirmed again keeps it.
+    const auto confirmer = [&](const char* adresse, bool garde) {
+        p.reglages_.valeurs["zoomEspace"] = "1.25";
+        fenetre().controles.champ = adresse;
+        fenetre().configuration->valider();
+        p.transport_.repondre({{}, EchangeTermine::Reponse::http, 200, R"({"service":"brindex"})"});
+        EXPECT_EQ(p.reglages_.valeurs.contains("zoomEspace"), garde) << adresse;
+    };
+    confirmer("localhost:3000/wiki", false);
     EXPECT_EQ(p.reglages_.valeurs.at("espaceURL"), "http://localhost:3000/wiki");
     EXPECT_EQ(fenetre().ecran, Ecran::espace);
     EXPECT_EQ(principale().chargements.at(0).first, "http://localhost:3000/wiki");
+    controleur->montrerConfiguration();
+    confirmer("localhost:3000/wiki", true);
 }
 
 TEST_F(ControleurTest, DemarrerOuvreLEspaceStockeSaufSansOrigineEtLaFenetreSuitLaPage) {

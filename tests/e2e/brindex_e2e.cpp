@@ -21,8 +21,9 @@
 namespace brindex::e2e {
 namespace {
 
-namespace fs = std::filesystem;
 using gtk::ApplicationGtk;
+
+namespace fs = std::filesystem;
 
 // Every text the configuration view's status line took since launch.
 std::vector<std::string> messagesVus;
@@ -35,64 +36,6 @@ void suivreMessages(ApplicationGtk& app) {
                          messagesVus.push_back(gtk_label_get_text(GTK_LABEL(label)));
                      }),
                      nullptr);
-}
-
-std::string espace() {
-    return variable("BRINDEX_E2E_ESPACE");
-}
-
-void stockerAdresse(const std::string& url) {
-    gtk::ReglagesGtk::parDefaut().ecrire("espaceURL", url);
-}
-
-GtkWidget* exiger(ApplicationGtk& app, const std::string& nom, double secondes = 20) {
-    GtkWidget* widget = nullptr;
-    attendre([&] { return (widget = chercherPartout(app, nom)) != nullptr; }, secondes,
-             "widget " + nom);
-    return widget;
-}
-
-std::size_t compter(const std::string& texte, const std::string& morceau) {
-    std::size_t n = 0;
-    for (auto i = texte.find(morceau); i != std::string::npos; i = texte.find(morceau, i + 1)) ++n;
-    return n;
-}
-
-void attendreJournal(const std::string& morceau, std::size_t fois = 1) {
-    attendre([&] { return compter(journal(), morceau) >= fois; }, 30, "journal : " + morceau);
-}
-
-// The space shown and its first page loaded.
-WebKitWebView* attendreEspace(ApplicationGtk& app, const std::string& url = espace()) {
-    WebKitWebView* vue = nullptr;
-    attendre([&] { return (vue = vueWebPrincipale(app)) != nullptr; }, 30, "l'espace");
-    attendreJournal("navigation OK " + url);
-    return vue;
-}
-
-GtkWindow* principale(ApplicationGtk& app) {
-    return app.plateforme()->fenetrePrincipale()->fenetre();
-}
-
-void attendreOuvert(const std::function<bool(const std::string&)>& condition,
-                    const std::string& quoi) {
-    const std::function<bool()> vu = [&] { return std::ranges::any_of(ouverts(), condition); };
-    attendre(vu, 20, quoi);
-}
-
-bool requeteVue(const std::string& chemin, const std::string& morceau) {
-    return std::ranges::any_of(requetes(), [&](const std::string& ligne) {
-        return contient(ligne, "\"" + chemin + "\"") && contient(ligne, morceau);
-    });
-}
-
-double secondesDepuis(gint64 debut) {
-    return static_cast<double>(g_get_monotonic_time() - debut) / G_USEC_PER_SEC;
-}
-
-// The alert that shows, once its first button is there.
-GtkWidget* alerte(ApplicationGtk& app, double secondes = 20) {
-    return GTK_WIDGET(gtk_widget_get_root(exiger(app, "bouton-0", secondes)));
 }
 
 // This process and all it started (WebKit's processes among them).
@@ -543,40 +486,31 @@ void journalFifo(ApplicationGtk& app) {
     verifier(webkit_web_view_get_uri(vue) == espace(), "la page de l'espace");
 }
 
-struct Scenario {
-    std::function<void()> avant;
-    std::function<void(ApplicationGtk&)> deroulement;
+const Enregistrement inscrits[] = {
+    {"premier-demarrage", {nullptr, premierDemarrage}},
+    {"injoignable",
+     {[] { stockerAdresse("http://127.0.0.1:" + variable("BRINDEX_E2E_PORT_LIBRE") + "/"); },
+      injoignable}},
+    {"delai-depasse", {espaceStocke, delaiDepasse}},
+    {"liens", {espaceStocke, liens}},
+    {"popup", {espaceStocke, popup}},
+    {"telechargements", {espaceStocke, telechargements}},
+    {"dialogues", {espaceStocke, dialogues}},
+    {"processus-web",
+     {[] {
+          const std::string e = espace();
+          stockerAdresse("http://0x7f.1" + e.substr(e.rfind(':')));
+      },
+      processusWebMort}},
+    {"journal-fifo",
+     {[] {
+          espaceStocke();
+          const fs::path etat = fs::path(variable("XDG_STATE_HOME")) / "brindex";
+          fs::create_directories(etat);
+          verifier(mkfifo((etat / "Brindex.log").c_str(), 0600) == 0, "mkfifo");
+      },
+      journalFifo}},
 };
-
-const std::map<std::string, Scenario>& scenarios() {
-    const auto espaceStocke = [] { stockerAdresse(espace()); };
-    static const std::map<std::string, Scenario> tous{
-        {"premier-demarrage", {nullptr, premierDemarrage}},
-        {"injoignable",
-         {[] { stockerAdresse("http://127.0.0.1:" + variable("BRINDEX_E2E_PORT_LIBRE") + "/"); },
-          injoignable}},
-        {"delai-depasse", {espaceStocke, delaiDepasse}},
-        {"liens", {espaceStocke, liens}},
-        {"popup", {espaceStocke, popup}},
-        {"telechargements", {espaceStocke, telechargements}},
-        {"dialogues", {espaceStocke, dialogues}},
-        {"processus-web",
-         {[] {
-              const std::string e = espace();
-              stockerAdresse("http://0x7f.1" + e.substr(e.rfind(':')));
-          },
-          processusWebMort}},
-        {"journal-fifo",
-         {[=] {
-              espaceStocke();
-              const fs::path etat = fs::path(variable("XDG_STATE_HOME")) / "brindex";
-              fs::create_directories(etat);
-              verifier(mkfifo((etat / "Brindex.log").c_str(), 0600) == 0, "mkfifo");
-          },
-          journalFifo}},
-    };
-    return tous;
-}
 
 }  // namespace
 }  // namespace brindex::e2e

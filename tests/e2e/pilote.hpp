@@ -9,9 +9,11 @@
 #include <gtk/gtk.h>
 #include <webkit/webkit.h>
 
+#include <algorithm>
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -19,6 +21,7 @@
 
 #include "application_gtk.hpp"
 #include "log/journal.hpp"
+#include "reglages_gtk.hpp"
 
 namespace brindex::e2e {
 
@@ -242,6 +245,91 @@ inline std::vector<std::string> requetes() {
 // URIs handed to the default handlers.
 inline std::vector<std::string> ouverts() {
     return lignes(variable("BRINDEX_E2E_OUVERTS"));
+}
+
+// ---- Shared steps ----
+
+inline std::string espace() {
+    return variable("BRINDEX_E2E_ESPACE");
+}
+
+inline void stockerAdresse(const std::string& url) {
+    gtk::ReglagesGtk::parDefaut().ecrire("espaceURL", url);
+}
+
+inline GtkWidget* exiger(gtk::ApplicationGtk& app, const std::string& nom, double secondes = 20) {
+    GtkWidget* widget = nullptr;
+    attendre([&] { return (widget = chercherPartout(app, nom)) != nullptr; }, secondes,
+             "widget " + nom);
+    return widget;
+}
+
+inline std::size_t compter(const std::string& texte, const std::string& morceau) {
+    std::size_t n = 0;
+    for (auto i = texte.find(morceau); i != std::string::npos; i = texte.find(morceau, i + 1)) ++n;
+    return n;
+}
+
+inline void attendreJournal(const std::string& morceau, std::size_t fois = 1) {
+    attendre([&] { return compter(journal(), morceau) >= fois; }, 30, "journal : " + morceau);
+}
+
+// The space shown and its first page loaded.
+inline WebKitWebView* attendreEspace(gtk::ApplicationGtk& app, const std::string& url = espace()) {
+    WebKitWebView* vue = nullptr;
+    attendre([&] { return (vue = vueWebPrincipale(app)) != nullptr; }, 30, "l'espace");
+    attendreJournal("navigation OK " + url);
+    return vue;
+}
+
+inline GtkWindow* principale(gtk::ApplicationGtk& app) {
+    return app.plateforme()->fenetrePrincipale()->fenetre();
+}
+
+inline void attendreOuvert(const std::function<bool(const std::string&)>& condition,
+                           const std::string& quoi) {
+    const std::function<bool()> vu = [&] { return std::ranges::any_of(ouverts(), condition); };
+    attendre(vu, 20, quoi);
+}
+
+inline bool requeteVue(const std::string& chemin, const std::string& morceau) {
+    return std::ranges::any_of(requetes(), [&](const std::string& ligne) {
+        return contient(ligne, "\"" + chemin + "\"") && contient(ligne, morceau);
+    });
+}
+
+inline double secondesDepuis(gint64 debut) {
+    return static_cast<double>(g_get_monotonic_time() - debut) / G_USEC_PER_SEC;
+}
+
+// The alert that shows, once its first button is there.
+inline GtkWidget* alerte(gtk::ApplicationGtk& app, double secondes = 20) {
+    return GTK_WIDGET(gtk_widget_get_root(exiger(app, "bouton-0", secondes)));
+}
+
+// ---- Scenarios ----
+
+// One scenario: what to prepare before the application starts, then what to do once its
+// launch is over.
+struct Scenario {
+    std::function<void()> avant;
+    std::function<void(gtk::ApplicationGtk&)> deroulement;
+};
+
+inline std::map<std::string, Scenario>& scenarios() {
+    static std::map<std::string, Scenario> tous;
+    return tous;
+}
+
+// Registers a scenario from any file of the test program, by name.
+struct Enregistrement {
+    Enregistrement(const std::string& nom, Scenario scenario) {
+        scenarios().emplace(nom, std::move(scenario));
+    }
+};
+
+inline void espaceStocke() {
+    stockerAdresse(espace());
 }
 
 }  // namespace brindex::e2e

@@ -7,6 +7,7 @@ test space is started on a free port; the scenario binary then runs under Xvfb w
 session bus, and finds everything it needs in BRINDEX_E2E_* variables.
 """
 import os
+import random
 import shutil
 import socket
 import subprocess
@@ -90,8 +91,9 @@ def main():
             "NO_AT_BRIDGE": "1",
             "LANG": "C.UTF-8",
         })
-        # Xvfb first, so that what the session bus starts (portals) finds the display.
-        commande = ["xvfb-run", "-a", "-s", "-screen 0 1400x1000x24", "dbus-run-session", "--",
+        # Xvfb first, so that what the session bus starts (portals) finds the display; a display
+        # number drawn at random, so that runs side by side don't race for the same one.
+        commande = ["xvfb-run", "-a", "-n", str(random.randint(100, 30000)), "-s", "-screen 0 1400x1000x24", "dbus-run-session", "--",
                     binaire, scenario]
         debut = time.time()
         resultat = subprocess.run(commande, env=env, timeout=180)

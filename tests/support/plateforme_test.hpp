@@ -113,7 +113,10 @@ struct FenetreTest : FenetrePrincipale {
         temoin.trace("fermer " + titre);
         if (auto rappel = std::move(vaFermer_)) rappel();
     }
-    void feuille(const Alerte& a) override { feuilles.push_back(a); }
+    void feuille(const Alerte& a, std::function<void(ReponseAlerte)> reponse) override {
+        feuilles.push_back(a);
+        reponsesEnAttente.push_back(std::move(reponse));
+    }
     void montrerConfiguration(std::shared_ptr<VueConfiguration> vue) override {
         montrer(Ecran::configuration, "ecran configuration");
         (configuration = std::move(vue))->attacher(controles = ControlesTest{});
@@ -145,6 +148,8 @@ struct FenetreTest : FenetrePrincipale {
     ControlesTest controles;
     std::shared_ptr<VueErreur> erreur;
     std::vector<Alerte> feuilles;
+    // What each sheet runs when it closes, in the order they were shown.
+    std::vector<std::function<void(ReponseAlerte)>> reponsesEnAttente;
 };
 
 struct PlateformeTest : Plateforme, Temoin {

@@ -29,7 +29,8 @@ class FenetreCocoa : public Interface {
     void devant() override;
     void oublierFermeture() override;
     void fermer() override;
-    void feuille(const Alerte &alerte) override;
+    using Interface::feuille;
+    void feuille(const Alerte &alerte, std::function<void(ReponseAlerte)> reponse) override;
 
    protected:
     NSWindow *fenetre_;
@@ -62,7 +63,24 @@ class FenetreSecondaireCocoa : public FenetreCocoa<Fenetre> {
     std::shared_ptr<VueWeb> vue_;
 };
 
-// An alert built from the core's description; `champ` receives its text field, if any.
-NSAlert *alerteNative(const Alerte &alerte, NSTextField *__strong *champ = nullptr);
+// An alert built from the core's description, and what its answer is read from.
+class AlerteNative {
+   public:
+    explicit AlerteNative(const Alerte &alerte);
+    NSAlert *alerte() const { return alerte_; }
+    // The answer, once the alert has ended with `resultat`.
+    ReponseAlerte reponse(NSModalResponse resultat) const;
+    // Escape on the default button too, which AppKit can't give one button beside Return:
+    // watched while the alert is up (for `fenetre`'s sheet, or the modal alert).
+    void surveillerEchap();
+    void finSurveillance();
+
+   private:
+    NSAlert *alerte_;
+    Alerte description_;
+    NSTextField *champ_ = nil;
+    NSMutableArray<NSTextField *> *champs_ = [NSMutableArray array];
+    id moniteur_ = nil;
+};
 
 }  // namespace brindex::cocoa

@@ -24,22 +24,104 @@ constexpr NSWindowStyleMask styleFenetre = NSWindowStyleMaskTitled | NSWindowSty
 
 }  // namespace
 
-NSAlert *alerteNative(const Alerte &alerte, NSTextField *__strong *champ) {
-    NSAlert *a = [[NSAlert alloc] init];
-    a.messageText = ns(alerte.message);
-    a.informativeText = ns(alerte.informatif);
+AlerteNative::AlerteNative(const Alerte &alerte) : description_(alerte) {
+    alerte_ = [[NSAlert alloc] init];
+    alerte_.messageText = ns(alerte.message);
+    alerte_.informativeText = ns(alerte.informatif);
+    NSStackView *pile = [[NSStackView alloc] init];
+    pile.orientation = NSUserInterfaceLayoutOrientationVertical;
+    pile.alignment = NSLayoutAttributeLeading;
+    pile.spacing = 6;
     if (alerte.champ) {
-        NSTextField *texte = [[NSTextField alloc]
+        champ_ = [[NSTextField alloc]
             initWithFrame:NSMakeRect(0, 0, alerte.largeurChamp, alerte.hauteurChamp)];
-        texte.stringValue = ns(*alerte.champ);
-        a.accessoryView = texte;
-        if (champ) *champ = texte;
+        champ_.stringValue = ns(*alerte.champ);
     }
-    for (const auto &titre : alerte.boutons) [a addButtonWithTitle:ns(titre)];
-    // NSAlert gives Escape only to a button titled with AppKit's own "Cancel": the second
-    // button ("Annuler") takes it explicitly.
-    if (a.buttons.count > 1) a.buttons[1].keyEquivalent = @"\x1b";
-    return a;
+    for (const ChampAlerte &c : alerte.champs) {
+        NSTextField *libelle = [NSTextField labelWithString:ns(c.libelle)];
+        NSTextField *saisie =
+            c.secret ? [[NSSecureTextField alloc] init] : [[NSTextField alloc] init];
+        saisie.stringValue = ns(c.texte);
+        [saisie.widthAnchor constraintEqualToConstant:alerte.largeurChamp].active = YES;
+        [pile addArrangedSubview:libelle];
+        [pile addArrangedSubview:saisie];
+        [champs_ addObject:saisie];
+    }
+    if (champs_.count > 0) {
+        // The prompt's field keeps its own frame; labelled fields stack under the text.
+        if (champ_) [pile insertArrangedSubview:champ_ atIndex:0];
+        pile.frame = NSMakeRect(0, 0, alerte.largeurChamp, pile.fittingSize.height);
+        alerte_.accessoryView = pile;
+    } else if (champ_) {
+        alerte_.accessoryView = champ_;
+    }
+    if (alerte.caseACocher) {
+        alerte_.showsSuppressionButton = YES;
+        alerte_.suppressionButton.title = ns(*alerte.caseACocher);
+        alerte_.suppressionButton.state = NSControlStateValueOff;
+    }
+    for (const auto &titre : alerte.boutons) [alerte_ addButtonWithTitle:ns(titre)];
+    NSArray<NSButton *> *boutons = alerte_.buttons;
+    if (alerte.boutonParDefaut != 0 && alerte.boutonParDefaut < boutons.count) {
+        boutons[0].keyEquivalent = @"";
+        boutons[alerte.boutonParDefaut].keyEquivalent = @"\r";
+    }
+    // NSAlert gives Escape only to a button titled with AppKit's own "Cancel": the named button,
+    // else the second one ("Annuler"), takes it explicitly.
+    const std::size_t echap = alerte.boutonEchap.value_or(1);
+    if (echap < boutons.count && echap != alerte.boutonParDefaut) {
+        boutons[echap].keyEquivalent = @"\x1b";
+    }
+    if (champ_ || champs_.count > 0) {
+        alerte_.window.initialFirstResponder = champ_ ? champ_ : champs_.firstObject;
+    }
+}
+
+ReponseAlerte AlerteNative::reponse(NSModalResponse resultat) const {
+    ReponseAlerte r;
+    const NSInteger index = resultat - NSAlertFirstButtonReturn;
+    if (index >= 0 && static_cast<std::size_t>(index) < description_.boutons.size()) {
+        r.bouton = static_cast<std::size_t>(index);
+    }
+    if (champ_) {
+        r.champ = texte(champ_.stringValue);
+        r.champModifie = ![champ_.stringValue isEqualToString:ns(*description_.champ)];
+    }
+    for (NSTextField *c in champs_) r.champs.push_back(texte(c.stringValue));
+    r.caseCochee =
+        description_.caseACocher && alerte_.suppressionButton.state == NSControlStateValueOn;
+    return r;
+}
+
+void AlerteNative::surveillerEchap() {
+    if (!description_.boutonEchap || *description_.boutonEchap != description_.boutonParDefaut ||
+        *description_.boutonEchap >= description_.boutons.size()) {
+        return;
+    }
+    NSWindow *fenetreAlerte = alerte_.window;
+    const NSModalResponse code =
+        NSAlertFirstButtonReturn + static_cast<NSModalResponse>(*description_.boutonEchap);
+    moniteur_ = [NSEvent
+        addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown
+                                     handler:^NSEvent *(NSEvent *evenement) {
+                                         if (evenement.window != fenetreAlerte ||
+                                             ![evenement.charactersIgnoringModifiers
+                                                 isEqualToString:@"\x1b"]) {
+                                             return evenement;
+                                         }
+                                         if (fenetreAlerte.sheetParent) {
+                                             [fenetreAlerte.sheetParent endSheet:fenetreAlerte
+                                                                      returnCode:code];
+                                         } else {
+                                             [NSApp stopModalWithCode:code];
+                                         }
+                                         return nil;
+                                     }];
+}
+
+void AlerteNative::finSurveillance() {
+    if (moniteur_) [NSEvent removeMonitor:moniteur_];
+    moniteur_ = nil;
 }
 
 // ---- Every window ----
@@ -101,8 +183,15 @@ void FenetreCocoa<Interface>::fermer() {
 }
 
 template <typename Interface>
-void FenetreCocoa<Interface>::feuille(const Alerte &alerte) {
-    [alerteNative(alerte) beginSheetModalForWindow:fenetre_ completionHandler:nil];
+void FenetreCocoa<Interface>::feuille(const Alerte &alerte,
+                                      std::function<void(ReponseAlerte)> reponse) {
+    auto native = std::make_shared<AlerteNative>(alerte);
+    native->surveillerEchap();
+    [native->alerte() beginSheetModalForWindow:fenetre_
+                             completionHandler:^(NSModalResponse resultat) {
+                                 native->finSurveillance();
+                                 if (reponse) reponse(native->reponse(resultat));
+                             }];
 }
 
 template class FenetreCocoa<FenetrePrincipale>;

@@ -183,19 +183,11 @@ void PlateformeCocoa::reveler(const std::string &chemin) {
 }
 
 void PlateformeCocoa::alerte(const Alerte &alerte, std::function<void(ReponseAlerte)> reponse) {
-    NSTextField *champ = nil;
-    NSAlert *a = alerteNative(alerte, &champ);
-    const NSModalResponse resultat = [a runModal];
-    ReponseAlerte r;
-    const NSInteger index = resultat - NSAlertFirstButtonReturn;
-    if (index >= 0 && static_cast<std::size_t>(index) < alerte.boutons.size()) {
-        r.bouton = static_cast<std::size_t>(index);
-    }
-    if (champ) {
-        r.champ = texte(champ.stringValue);
-        r.champModifie = ![champ.stringValue isEqualToString:ns(*alerte.champ)];
-    }
-    reponse(std::move(r));
+    AlerteNative native(alerte);
+    native.surveillerEchap();
+    const NSModalResponse resultat = [native.alerte() runModal];
+    native.finSurveillance();
+    reponse(native.reponse(resultat));
 }
 
 void PlateformeCocoa::choisirFichiers(const DemandeFichiers &demande,

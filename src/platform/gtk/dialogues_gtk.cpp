@@ -15,6 +15,8 @@ namespace {
 struct EtatAlerte {
     std::function<void(ReponseAlerte)> reponse;
     GtkWidget* champ = nullptr;
+    std::vector<GtkWidget*> champs;
+    GtkWidget* caseACocher = nullptr;
     bool modifie = false;
     bool repondu = false;
 
@@ -25,6 +27,8 @@ struct EtatAlerte {
         r.bouton = bouton;
         if (champ) r.champ = gtk_editable_get_text(GTK_EDITABLE(champ));
         r.champModifie = modifie;
+        for (GtkWidget* c : champs) r.champs.emplace_back(gtk_editable_get_text(GTK_EDITABLE(c)));
+        r.caseCochee = caseACocher && gtk_check_button_get_active(GTK_CHECK_BUTTON(caseACocher));
         // Moved out first: the answer may open another alert or close this one's owner.
         auto rappel = std::move(reponse);
         if (rappel) rappel(std::move(r));
@@ -89,11 +93,14 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
             if (suite) suite(std::move(r));
         };
     }
-    auto* etat = new EtatAlerte{std::move(reponse)};
+    auto* etat = new EtatAlerte{};
+    etat->reponse = std::move(reponse);
     // The state dies with the window; if the window goes without an answer, it still answers.
     g_object_set_data_full(G_OBJECT(fenetre), "etat-alerte", etat, [](gpointer p) {
         auto* e = static_cast<EtatAlerte*>(p);
         e->champ = nullptr;
+        e->champs.clear();
+        e->caseACocher = nullptr;
         e->repondre(ReponseAlerte::aucunBouton);
         delete e;
     });
@@ -127,10 +134,40 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
         gtk_entry_set_activates_default(GTK_ENTRY(etat->champ), TRUE);
         gtk_box_append(GTK_BOX(colonne), etat->champ);
     }
+    if (!alerte.champs.empty()) {
+        GtkWidget* grille = gtk_grid_new();
+        gtk_grid_set_row_spacing(GTK_GRID(grille), 6);
+        gtk_grid_set_column_spacing(GTK_GRID(grille), 10);
+        for (std::size_t i = 0; i < alerte.champs.size(); ++i) {
+            const ChampAlerte& c = alerte.champs[i];
+            GtkWidget* libelle = gtk_label_new(c.libelle.c_str());
+            gtk_label_set_xalign(GTK_LABEL(libelle), 1.0f);
+            GtkWidget* entree = c.secret ? gtk_password_entry_new() : gtk_entry_new();
+            const std::string nom = "champ-" + std::to_string(i);
+            gtk_widget_set_name(entree, nom.c_str());
+            gtk_editable_set_text(GTK_EDITABLE(entree), c.texte.c_str());
+            gtk_widget_set_hexpand(entree, TRUE);
+            if (GTK_IS_ENTRY(entree)) gtk_entry_set_activates_default(GTK_ENTRY(entree), TRUE);
+            if (GTK_IS_PASSWORD_ENTRY(entree)) {
+                gtk_password_entry_set_show_peek_icon(GTK_PASSWORD_ENTRY(entree), TRUE);
+                g_object_set(entree, "activates-default", TRUE, nullptr);
+            }
+            gtk_grid_attach(GTK_GRID(grille), libelle, 0, static_cast<int>(i), 1, 1);
+            gtk_grid_attach(GTK_GRID(grille), entree, 1, static_cast<int>(i), 1, 1);
+            etat->champs.push_back(entree);
+        }
+        gtk_box_append(GTK_BOX(colonne), grille);
+    }
+    if (alerte.caseACocher) {
+        etat->caseACocher = gtk_check_button_new_with_label(alerte.caseACocher->c_str());
+        gtk_widget_set_name(etat->caseACocher, "case-alerte");
+        gtk_box_append(GTK_BOX(colonne), etat->caseACocher);
+    }
 
-    // Rightmost first: the first button is the one Return presses.
+    // Rightmost first; the default button is the one Return presses.
     GtkWidget* rangee = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 8);
-    GtkWidget* premier = nullptr;
+    GtkWidget* defaut = nullptr;
+    GtkWidget* echap = nullptr;
     gtk_widget_set_halign(rangee, GTK_ALIGN_END);
     gtk_widget_set_margin_top(rangee, 8);
     for (std::size_t i = alerte.boutons.size(); i-- > 0;) {
@@ -140,25 +177,35 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
         g_object_set_data(G_OBJECT(b), "index-bouton", GSIZE_TO_POINTER(i));
         g_signal_connect(b, "clicked", G_CALLBACK(surBouton), fenetre);
         gtk_box_append(GTK_BOX(rangee), b);
-        if (i == 0) {
+        if (i == alerte.boutonParDefaut) {
             gtk_widget_add_css_class(b, "suggested-action");
-            premier = b;
+            defaut = b;
         }
+        if (alerte.boutonEchap == i) echap = b;
     }
     gtk_box_append(GTK_BOX(colonne), rangee);
     gtk_window_set_child(GTK_WINDOW(fenetre), colonne);
     // Only a widget already in the window can be its default or take its focus: set earlier,
     // the focus went to the leftmost button, and Return answered "Annuler".
-    gtk_window_set_default_widget(GTK_WINDOW(fenetre), premier);
-    gtk_window_set_focus(GTK_WINDOW(fenetre), etat->champ ? etat->champ : premier);
+    gtk_window_set_default_widget(GTK_WINDOW(fenetre), defaut);
+    GtkWidget* focus = etat->champ             ? etat->champ
+                       : !etat->champs.empty() ? etat->champs.front()
+                                               : defaut;
+    gtk_window_set_focus(GTK_WINDOW(fenetre), focus);
     g_signal_connect(fenetre, "close-request", G_CALLBACK(surFermeture), nullptr);
 
-    // Escape dismisses the alert.
+    // Escape presses its button, or dismisses the alert.
     GtkEventController* touches = gtk_shortcut_controller_new();
     gtk_shortcut_controller_add_shortcut(
         GTK_SHORTCUT_CONTROLLER(touches),
         gtk_shortcut_new(gtk_keyval_trigger_new(GDK_KEY_Escape, GdkModifierType(0)),
-                         gtk_named_action_new("window.close")));
+                         echap ? gtk_callback_action_new(
+                                     [](GtkWidget*, GVariant*, gpointer b) -> gboolean {
+                                         g_signal_emit_by_name(b, "clicked");
+                                         return TRUE;
+                                     },
+                                     echap, nullptr)
+                               : gtk_named_action_new("window.close")));
     gtk_widget_add_controller(fenetre, touches);
 
     gtk_window_present(GTK_WINDOW(fenetre));

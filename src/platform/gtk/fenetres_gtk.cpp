@@ -103,9 +103,9 @@ void FenetreGtk<Interface>::fermer() {
 }
 
 template <typename Interface>
-void FenetreGtk<Interface>::feuille(const Alerte& alerte) {
-    montrerAlerte(
-        fenetre(), alerte, [](ReponseAlerte) {}, Modalite::feuille);
+void FenetreGtk<Interface>::feuille(const Alerte& alerte,
+                                    std::function<void(ReponseAlerte)> reponse) {
+    montrerAlerte(fenetre(), alerte, std::move(reponse), Modalite::feuille);
 }
 
 template class FenetreGtk<FenetrePrincipale>;

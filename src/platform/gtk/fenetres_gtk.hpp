@@ -30,7 +30,8 @@ class FenetreGtk : public Interface {
     void devant() override;
     void oublierFermeture() override { vaFermer_ = nullptr; }
     void fermer() override;
-    void feuille(const Alerte& alerte) override;
+    using Interface::feuille;
+    void feuille(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) override;
 
   protected:
     // Runs before the window goes, whoever closes it.
