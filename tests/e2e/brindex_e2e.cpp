@@ -245,7 +245,7 @@ void popup(ApplicationGtk& app) {
     GtkWindow* fenetre = secondaire();
     verifier(app.controleur()->fenetresSecondaires().size() == 1, "une fenêtre secondaire");
     verifier(g_strcmp0(gtk_window_get_title(fenetre), "Brindex") == 0, "titre « Brindex »");
-    auto* vueSecondaire = WEBKIT_WEB_VIEW(gtk_window_get_child(fenetre));
+    auto* vueSecondaire = vueWebDe(GTK_WIDGET(fenetre));
     bool liberee = false;
     g_object_weak_ref(
         G_OBJECT(vueSecondaire), [](gpointer d, GObject*) { *static_cast<bool*>(d) = true; },

@@ -107,14 +107,20 @@ inline void cliquer(GtkWidget* bouton) {
     g_signal_emit_by_name(bouton, "clicked");
 }
 
+// The web view a window shows, if any.
+inline WebKitWebView* vueWebDe(GtkWidget* racine) {
+    if (!racine) return nullptr;
+    if (WEBKIT_IS_WEB_VIEW(racine)) return WEBKIT_WEB_VIEW(racine);
+    for (GtkWidget* e = gtk_widget_get_first_child(racine); e; e = gtk_widget_get_next_sibling(e)) {
+        if (WebKitWebView* vue = vueWebDe(e)) return vue;
+    }
+    return nullptr;
+}
+
 // The main window's web view, when the space is shown.
 inline WebKitWebView* vueWebPrincipale(gtk::ApplicationGtk& application) {
     const auto fenetre = application.plateforme()->fenetrePrincipale();
-    if (!fenetre) return nullptr;
-    GtkWidget* contenu = gtk_window_get_child(fenetre->fenetre());
-    if (!contenu || !GTK_IS_OVERLAY(contenu)) return nullptr;
-    GtkWidget* enfant = gtk_overlay_get_child(GTK_OVERLAY(contenu));
-    return enfant && WEBKIT_IS_WEB_VIEW(enfant) ? WEBKIT_WEB_VIEW(enfant) : nullptr;
+    return fenetre ? vueWebDe(gtk_window_get_child(fenetre->fenetre())) : nullptr;
 }
 
 // Runs a script in a page and gives its result as text.

@@ -9,12 +9,23 @@ namespace brindex::gtk {
 
 namespace {
 
-// The space screen: the web view under a thin progress bar.
+// Takes a widget out of whatever box it was in, for another screen to hold.
+void detacherDeSaBoite(GtkWidget* widget) {
+    if (GtkWidget* parent = gtk_widget_get_parent(widget); parent && GTK_IS_BOX(parent)) {
+        gtk_box_remove(GTK_BOX(parent), widget);
+    }
+}
+
+// The space screen: the window's strip of bars, then the web view under a thin progress bar.
 class EcranEspace : public Ecran {
   public:
-    EcranEspace(GtkWidget* webView, GtkWidget* barre) {
+    EcranEspace(GtkWidget* webView, GtkWidget* barre, GtkWidget* bandeau) {
+        GtkWidget* colonne = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+        gtk_widget_add_css_class(colonne, "ecran");
+        detacherDeSaBoite(bandeau);
+        gtk_box_append(GTK_BOX(colonne), bandeau);
         GtkWidget* superposition = gtk_overlay_new();
-        gtk_widget_add_css_class(superposition, "ecran");
+        gtk_widget_set_vexpand(superposition, TRUE);
         if (GtkWidget* parent = gtk_widget_get_parent(webView)) {
             // A view can only have one parent; a previous screen may still hold it.
             if (GTK_IS_OVERLAY(parent)) gtk_overlay_set_child(GTK_OVERLAY(parent), nullptr);
@@ -23,7 +34,8 @@ class EcranEspace : public Ecran {
         gtk_widget_set_valign(barre, GTK_ALIGN_START);
         gtk_widget_set_halign(barre, GTK_ALIGN_FILL);
         gtk_overlay_add_overlay(GTK_OVERLAY(superposition), barre);
-        racine_ = Ref<GtkWidget>::prendre(superposition);
+        gtk_box_append(GTK_BOX(colonne), superposition);
+        racine_ = Ref<GtkWidget>::prendre(colonne);
         focus_ = webView;
     }
     GtkWidget* focusInitial() const override { return focus_; }
@@ -59,6 +71,8 @@ FenetreGtk<Interface>::FenetreGtk(GtkApplication* application, const ParametresF
                                 static_cast<int>(parametres.hauteurMin));
     gtk_window_set_title(f, parametres.titre.c_str());
     gtk_widget_add_css_class(GTK_WIDGET(f), "brindex");
+    bandeau_ = Ref<GtkWidget>::prendre(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0));
+    gtk_widget_set_name(bandeau_.get(), "bandeau");
     g_signal_connect(f, "close-request", G_CALLBACK(surDemandeFermeture), this);
     g_signal_connect(f, "destroy", G_CALLBACK(+[](GtkWidget*, gpointer donnees) {
                          static_cast<FenetreGtk*>(donnees)->detruite_ = true;
@@ -177,7 +191,7 @@ void FenetrePrincipaleGtk::montrerEspace(std::shared_ptr<VueWeb> vue) {
     if (GtkWidget* parent = gtk_widget_get_parent(barre_)) {
         gtk_overlay_remove_overlay(GTK_OVERLAY(parent), barre_);
     }
-    remplacer(std::make_unique<EcranEspace>(gtkVue->widget(), barre_));
+    remplacer(std::make_unique<EcranEspace>(gtkVue->widget(), barre_, GTK_WIDGET(bandeau())));
 }
 
 void FenetrePrincipaleGtk::montrerErreur(std::shared_ptr<VueErreur> vue) {
@@ -199,7 +213,10 @@ FenetreSecondaireGtk::FenetreSecondaireGtk(GtkApplication* application,
     : FenetreGtk(application, parametres, std::move(vaFermer)), vue_(std::move(vue)) {
     auto* gtkVue = dynamic_cast<VueWebGtk*>(vue_.get());
     if (!gtkVue) return;
-    gtk_window_set_child(fenetre(), gtkVue->widget());
+    GtkWidget* colonne = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_box_append(GTK_BOX(colonne), GTK_WIDGET(bandeau()));
+    gtk_box_append(GTK_BOX(colonne), gtkVue->widget());
+    gtk_window_set_child(fenetre(), colonne);
     // WebKit says when the new page may be shown.
     GtkWindow* f = fenetre();
     gtkVue->pretAAfficher = [f] { gtk_window_present(f); };

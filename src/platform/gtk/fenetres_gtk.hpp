@@ -24,6 +24,9 @@ class FenetreGtk : public Interface {
     FenetreGtk& operator=(const FenetreGtk&) = delete;
 
     GtkWindow* fenetre() const { return GTK_WINDOW(fenetre_.get()); }
+    // The strip above the page, where the window's own bars stack (empty and hidden by default
+    // as GTK hides an empty box's space): it stays with the window while pages come and go.
+    GtkBox* bandeau() const { return GTK_BOX(bandeau_.get()); }
 
     void definirTitre(const std::string& titre) override;
     bool estCle() const override;
@@ -41,6 +44,7 @@ class FenetreGtk : public Interface {
     static gboolean surDemandeFermeture(GtkWindow*, gpointer donnees);
 
     Ref<GtkWidget> fenetre_;
+    Ref<GtkWidget> bandeau_;
     std::function<void()> vaFermer_;
     bool detruite_ = false;
 };
