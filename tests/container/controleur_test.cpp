@@ -306,26 +306,61 @@ TEST_F(ControleurTest, EchecsIgnoresSansTraceLesAutresEnFeuilleApresLeChargement
     EXPECT_EQ(fenetre().feuilles[1].informatif, introuvable(""));
 }
 
-TEST_F(ControleurTest, UnProcessusWebMortRechargeUneFoisPuisExplique) {
-    auto& vue = espaceCharge();
-    auto& pop = static_cast<VueWebTest&>(*popup(vue));
-    controleur->processusTermine(vue, FinProcessus::plantage);
-    EXPECT_EQ(vue.actions, std::vector<std::string>{"recharger"});
-    EXPECT_EQ(lignesJournal().back(), "processus web ECHEC plantage https://espace.example/wiki");
-    p.horloge += delaiRechuteProcessus + std::chrono::seconds(1);
-    controleur->processusTermine(vue, FinProcessus::memoire);
-    EXPECT_EQ(vue.actions.size(), 2u) << "long after the last one: reloaded again";
-    EXPECT_EQ(fenetre().ecran, Ecran::espace);
-    p.horloge += std::chrono::seconds(5);
-    controleur->processusTermine(vue, FinProcessus::plantage);
-    EXPECT_EQ(fenetre().ecran, Ecran::erreur);
-    EXPECT_EQ(fenetre().erreur->detail().rfind("La page de votre espace s'est arrêtée", 0), 0u);
-    // A popup's page dies twice: its window says so and stays.
-    controleur->processusTermine(pop, FinProcessus::plantage);
-    controleur->processusTermine(pop, FinProcessus::plantage);
-    EXPECT_EQ(pop.actions, std::vector<std::string>{"recharger"});
-    ASSERT_EQ(secondaire().feuilles.size(), 1u);
-    EXPECT_EQ(secondaire().feuilles[0].message, "Page inaccessible");
+TEST_F(ControleurTest, UnProcessusWebMortRevientUneFoisPuisSExplique) {
+    enum Vue { principale, ouverteSurAdresse, ecriteParScript };
+    const std::string deuxFois = "La page de votre espace s'est arrêtée";
+    const std::string surAdresse = "https://espace.example/fenetre";
+    // clang-format off
+    // The view whose process ends, whether the engine has a page to reload, whether it ended less
+    // than 30 s before; what brings it back (a reload, or that address loaded again), else the
+    // start of the explanation (the error view for the main view, a sheet on a popup's window).
+    const std::tuple<Vue, bool, bool, std::string, std::string> table[] = {
+        {principale, true, false, "recharger", ""}, {principale, false, false, "https://espace.example/wiki", ""},
+        {principale, true, true, "", deuxFois}, {ouverteSurAdresse, true, false, "recharger", ""},
+        {ouverteSurAdresse, false, false, surAdresse, ""}, {ouverteSurAdresse, false, true, "", deuxFois},
+        {ecriteParScript, true, false, "recharger", ""},
+        {ecriteParScript, false, false, "", "La page de cette fenêtre s'est arrêtée"}};
+    // clang-format on
+    int ligne = 0;
+    for (const auto& [quelle, page, rechute, retour, explication] : table) {
+        SCOPED_TRACE(++ligne);
+        p.horloge += delaiRechuteProcessus + std::chrono::seconds(1);
+        auto& espace = espaceCharge();
+        auto& vue =
+            quelle == principale
+                ? espace
+                : static_cast<VueWebTest&>(*popup(
+                      espace, quelle == ecriteParScript ? std::nullopt
+                                                        : std::optional<std::string>(surAdresse)));
+        vue.pageCourante = page;
+        if (rechute) controleur->processusTermine(vue, FinProcessus::memoire);
+        p.horloge += delaiRechuteProcessus;
+        vue.actions.clear();
+        vue.chargements.clear();
+        controleur->processusTermine(vue, FinProcessus::plantage);
+        std::string revenu;
+        if (std::count(vue.actions.begin(), vue.actions.end(), "recharger")) revenu = "recharger";
+        for (const auto& [url, delai] : vue.chargements) {
+            revenu += url + (delai == delaiChargement ? "" : " (délai ?)");
+        }
+        std::string explique;
+        if (quelle == principale && fenetre().ecran == Ecran::erreur) {
+            explique = fenetre().erreur->detail();
+        } else if (quelle != principale && !p.secondaires.back()->feuilles.empty()) {
+            explique = p.secondaires.back()->feuilles.back().informatif;
+        }
+        EXPECT_EQ(revenu, retour);
+        EXPECT_EQ(explique.substr(0, explication.size()), explication);
+        EXPECT_EQ(explique.empty(), explication.empty());
+        if (quelle == principale) {
+            EXPECT_EQ(lignesJournal().back(),
+                      "processus web ECHEC plantage https://espace.example/wiki");
+        }
+    }
+    // A view no longer shown is left alone.
+    VueWebTest partie(false);
+    controleur->processusTermine(partie, FinProcessus::plantage);
+    EXPECT_TRUE(partie.actions.empty() && partie.chargements.empty());
 }
 
 }  // namespace

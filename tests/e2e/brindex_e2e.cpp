@@ -50,6 +50,7 @@ std::vector<std::string> descendants() {
                 break;
             }
             const std::string stat = lireFichier("/proc/" + p + "/stat");
+            if (stat.rfind(')') == std::string::npos) break;  // ended meanwhile
             std::istringstream champs(stat.substr(stat.rfind(')') + 2));
             std::string etat;
             champs >> etat >> p;
@@ -466,16 +467,34 @@ void dialogues(ApplicationGtk& app) {
     attendreJournal(brouillon, 2);
 }
 
-// A space stored in a form the engine writes differently; then its web process dies twice.
+// A space stored in a form the engine writes differently; then its web process dies twice, with
+// a popup open that the page wrote into, which has nothing to reload.
 void processusWebMort(ApplicationGtk& app) {
-    attendreEspace(app);
+    WebKitWebView* vue = attendreEspace(app);
     verifier(!contient(journal(), "REFUSEE"), journal());
+    cliquerDans(vue, "#ouvrir-vierge");
+    attendre([&] { return fenetresVisibles(app).size() == 2; }, 20, "la fenêtre écrite");
     kill(processusWeb().front(), SIGKILL);
     attendreJournal("processus web ECHEC plantage");
     attendreJournal("navigation OK " + espace(), 2);
+    GtkWidget* feuille = alerte(app);
+    verifier(gtk_window_get_transient_for(GTK_WINDOW(feuille)) != principale(app) &&
+                 contient(texte(chercher(feuille, "texte-alerte")), "ne peut pas être rechargée"),
+             "la fenêtre écrite le dit");
+    capturer("processus-fenetre-ecrite");
+    cliquer(chercher(feuille, "bouton-0"));
     kill(processusWeb().front(), SIGKILL);
     const std::string explication = texte(exiger(app, "explication"));
     verifier(contient(explication, "s'est arrêtée de façon inattendue"), explication);
+}
+
+// The web process dies while the server still holds the space's first page back: the space
+// comes up all the same.
+void processusMortAvantChargement(ApplicationGtk& app) {
+    attendre([] { return requeteVue("/lent", "GET"); }, 20, "la première page demandée");
+    kill(processusWeb().front(), SIGKILL);
+    attendreJournal("processus web ECHEC plantage");
+    attendreEspace(app, espace() + "lent");
 }
 
 // The log's place holds a FIFO nobody reads: the application starts all the same.
@@ -502,6 +521,8 @@ const Enregistrement inscrits[] = {
           stockerAdresse("http://0x7f.1" + e.substr(e.rfind(':')));
       },
       processusWebMort}},
+    {"processus-premier-chargement",
+     {[] { stockerAdresse(espace() + "lent"); }, processusMortAvantChargement}},
     {"journal-fifo",
      {[] {
           espaceStocke();
