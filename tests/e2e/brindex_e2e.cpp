@@ -397,6 +397,13 @@ void dialogues(ApplicationGtk& app) {
              "une alerte : son message, un bouton");
     capturer("alerte");
     verifier(repondre(app, vue, f, "Return") == "\"vu\"", "alerte fermée");
+    // A real click on the OK of an alert the page raised by itself is no action of the user: the
+    // page may open nothing after it (asked here without the engine's word on a gesture).
+    cliquerWidget(chercher(ouvrirDialogue(app, vue, "(alert('Et alors ?'), 'vu')"), "bouton-0"));
+    attendre([&] { return !chercherPartout(app, "bouton-0"); }, 10, "alerte fermée d'un clic");
+    verifier(!app.controleur()->creerVueWebDemandee(*app.controleur()->webView(), espace(),
+                                                    std::nullopt, gtk::ConfigurationGtk(vue)),
+             "une fenêtre ouverte après le clic dans l'alerte");
 
     // Return presses "OK", Escape dismisses.
     struct Cas {
