@@ -173,8 +173,7 @@ TEST_F(Navigation, UneActionDeLUtilisateurOuvreUneSeuleFenetreOuSortieEtPasLongt
     controleur->deciderAction(vue, clic);
     EXPECT_EQ(p.urlsOuvertes, liste("https://ailleurs.example/"));
     EXPECT_EQ(lignesJournal().back(), refusee);
-    // A press answering a dialog (a page may raise one by itself and wait for the OK), Escape, a
-    // modifier alone: none asks for anything; any other press does.
+    // Presses in a dialog (a page may raise one by itself), Escape or a modifier alone count not.
     for (const auto& [pression, compte] : {std::pair(Pression{true}, false),
                                            {{false, true}, false},
                                            {{false, false, true}, false},
