@@ -312,8 +312,9 @@ void Controleur::processusTermine(VueWeb& vue, FinProcessus fin) {
     const bool rechute = precedente != finsProcessus_.end() &&
                          maintenant - precedente->second <= delaiRechuteProcessus;
     finsProcessus_.insert_or_assign(&vue, maintenant);
-    // Once, the page comes back in a new process: reloaded when the engine has one; else its
-    // address loaded again (the space's for the main view), since a reload would do nothing.
+    // Once, the page comes back in a new process: reloaded from the engine's history, or, with
+    // nothing there (a reload would then do nothing), its address loaded again: the space's for
+    // the main view, the one a popup was opened on.
     std::optional<std::string> adresse;
     if (principale) {
         if (const auto url = adresseEspace()) adresse = url->texte();
