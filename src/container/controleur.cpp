@@ -114,8 +114,11 @@ void Controleur::ouvrirEspace(const Url& url) {
     fermerFenetresSecondaires();
     detruireWebView();
     principaleADejaCharge_ = false;
-    webView_ = plateforme_.creerVueWeb(
-        ParametresVueWeb{true, true, true, std::string(Marque::agentSuffixe)}, nullptr);
+    // The engine keeps an image of each page left, for the swipe back to show, and on Linux it
+    // keeps them in memory up to 400 MB: only worth it where the user can swipe.
+    webView_ = plateforme_.creerVueWeb(ParametresVueWeb{true, plateforme_.balayagePossible(), true,
+                                                        std::string(Marque::agentSuffixe)},
+                                       nullptr);
     originesWebView_.insert_or_assign(webView_.get(), *origine);
     fenetre_->montrerEspace(webView_);
     webView_->charger(url.texte(), delaiChargement);
@@ -608,6 +611,17 @@ void Controleur::telechargementEchoue(Telechargement& telechargement,
     Journal::ecrire("telechargement ECHEC " + description);
     plateforme_.alerte(alerteSimple("Téléchargement impossible", description),
                        [](ReponseAlerte) {});
+}
+
+std::vector<std::pair<const char*, std::size_t>> Controleur::tailles() const {
+    std::size_t attentes = 0;
+    for (const auto& [vue, liste] : attentes_) attentes += liste.size();
+    return {{"origines", originesWebView_.size()},
+            {"secondaires", fenetresSecondaires_.size()},
+            {"finsProcessus", finsProcessus_.size()},
+            {"vuesEnAttente", attentes_.size()},
+            {"attentes", attentes},
+            {"telechargements", telechargements_.size()}};
 }
 
 std::optional<std::string> Controleur::destinationDe(const Telechargement& telechargement) const {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "address/origine.hpp"
@@ -145,6 +146,9 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     // Destination of each running download.
     std::optional<std::string> destinationDe(const Telechargement& telechargement) const;
     std::size_t telechargementsEnCours() const { return telechargements_.size(); }
+    // How many entries each of the controller's tables holds (the debug trace prints them: a
+    // table that grows over a day of use is a leak).
+    std::vector<std::pair<const char*, std::size_t>> tailles() const;
 
   private:
     explicit Controleur(Plateforme& plateforme) : plateforme_(plateforme) {}

@@ -245,6 +245,9 @@ class Plateforme {
     // such a file of the user's must not be overwritten either.
     virtual std::vector<std::string> suffixesTemporairesTelechargement() const { return {}; }
 
+    // Whether a touchpad or a touch screen is there to swipe through the history with.
+    virtual bool balayagePossible() const { return true; }
+
     virtual std::chrono::steady_clock::time_point maintenant() const {
         return std::chrono::steady_clock::now();
     }

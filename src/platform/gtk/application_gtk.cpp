@@ -1,5 +1,6 @@
 #include "application_gtk.hpp"
 
+#include <glib-unix.h>
 #include <webkit/webkit.h>
 
 #include <iostream>
@@ -11,6 +12,7 @@
 #include "app/rendu.hpp"
 #include "log/journal.hpp"
 #include "services_gtk.hpp"
+#include "vue_web_gtk.hpp"
 
 namespace brindex::gtk {
 
@@ -66,6 +68,26 @@ const Edition* edition(Commande commande) {
         if (e.commande == commande) return &e;
     }
     return nullptr;
+}
+
+// With the trace on, SIGUSR1 prints how many entries each table of the application holds, on
+// one line: "brindex tables origines=1 secondaires=0 …".
+gboolean surDemandeTables(gpointer donnees) {
+    const auto* application = static_cast<const ApplicationGtk*>(donnees);
+    std::string ligne = "brindex tables";
+    if (const Controleur* c = application->controleur()) {
+        for (const auto& [nom, taille] : c->tailles()) {
+            ligne += std::string(" ") + nom + "=" + std::to_string(taille);
+        }
+    }
+    if (const PlateformeGtk* p = application->plateforme()) {
+        ligne += " telechargementsMoteur=" + std::to_string(p->telechargementsSuivis());
+    }
+    ligne += " vuesWeb=" + std::to_string(VueWebGtk::vivantes());
+    ligne += " fenetres=" +
+             std::to_string(g_list_length(gtk_application_get_windows(application->application())));
+    g_printerr("%s\n", ligne.c_str());
+    return G_SOURCE_CONTINUE;
 }
 
 struct ActionMenu {
@@ -151,6 +173,7 @@ void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
         g_signal_connect_swapped(principale->fenetre(), "destroy", G_CALLBACK(g_application_quit),
                                  soi->application_.get());
     }
+    if (traceDemandee()) g_unix_signal_add(SIGUSR1, surDemandeTables, soi);
     jalon("fenetre construite");
     lancer(*soi, *soi->controleur_);
     jalon("lancement fini");

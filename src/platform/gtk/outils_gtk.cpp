@@ -134,7 +134,7 @@ namespace brindex::gtk {
 
 namespace {
 
-const bool traceDemandee = g_getenv("BRINDEX_TRACE") != nullptr;
+const bool trace = g_getenv("BRINDEX_TRACE") != nullptr;
 
 // Milliseconds since the process was executed: its start time since boot, from /proc, against
 // the boot clock (the dynamic linking of WebKit and GTK, before main, counts too).
@@ -158,15 +158,19 @@ double depuisExec() {
 
 }  // namespace
 
+bool traceDemandee() {
+    return trace;
+}
+
 void jalon(const char* quoi) {
-    if (!traceDemandee) return;
+    if (!trace) return;
     g_printerr("brindex +%.0f %s\n", depuisExec(), quoi);
 }
 
 void jalonPremiereImage(GtkWidget* widget) {
     static bool vue = false;
     GdkFrameClock* horloge = gtk_widget_get_frame_clock(widget);
-    if (!traceDemandee || vue || !horloge) return;
+    if (!trace || vue || !horloge) return;
     vue = true;
     g_signal_connect(horloge, "after-paint", G_CALLBACK(+[](GdkFrameClock* h, gpointer) {
                          jalon("premiere image");

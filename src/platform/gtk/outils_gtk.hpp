@@ -67,5 +67,7 @@ namespace brindex::gtk {
 void jalon(const char* quoi);
 // The same, once, when the window of `widget` has next been painted.
 void jalonPremiereImage(GtkWidget* widget);
+// Whether BRINDEX_TRACE is set.
+bool traceDemandee();
 
 }  // namespace brindex::gtk

@@ -94,6 +94,20 @@ std::vector<std::string> PlateformeGtk::suffixesTemporairesTelechargement() cons
     return {".wkdownload", ".wkdownload~"};
 }
 
+bool PlateformeGtk::balayagePossible() const {
+    GdkDisplay* affichage = gdk_display_get_default();
+    GdkSeat* siege = affichage ? gdk_display_get_default_seat(affichage) : nullptr;
+    if (!siege) return false;
+    GList* appareils = gdk_seat_get_devices(siege, GDK_SEAT_CAPABILITY_ALL_POINTING);
+    bool trouve = false;
+    for (GList* a = appareils; a; a = a->next) {
+        const GdkInputSource source = gdk_device_get_source(GDK_DEVICE(a->data));
+        trouve = trouve || source == GDK_SOURCE_TOUCHPAD || source == GDK_SOURCE_TOUCHSCREEN;
+    }
+    g_list_free(appareils);
+    return trouve;
+}
+
 // ---- Downloads ----
 
 std::shared_ptr<TelechargementGtk> PlateformeGtk::entree(WebKitDownload* telechargement) const {

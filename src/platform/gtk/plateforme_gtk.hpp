@@ -58,8 +58,11 @@ class PlateformeGtk : public Plateforme {
     std::string dossierPersonnel() override;
     bool existe(const std::string& chemin) override;
     std::vector<std::string> suffixesTemporairesTelechargement() const override;
+    bool balayagePossible() const override;
 
     std::shared_ptr<FenetrePrincipaleGtk> fenetrePrincipale() const { return principale_.lock(); }
+    // Downloads of the engine being followed (the debug trace counts them).
+    std::size_t telechargementsSuivis() const { return telechargements_.size(); }
     // The window that dialogs belong to: the active one, else the main window.
     GtkWindow* fenetreParente() const;
 

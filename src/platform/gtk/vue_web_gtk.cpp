@@ -105,10 +105,12 @@ VueWebGtk::VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
     gtk_widget_set_hexpand(widget(), TRUE);
     gtk_widget_set_vexpand(widget(), TRUE);
     connecter();
+    ++vivantes_;
     jalon("vue web creee");
 }
 
 VueWebGtk::~VueWebGtk() {
+    --vivantes_;
     detacher();
     // Dialogs still open answer now, while their view is still there to hear it.
     for (const auto& faible : dialogues_) {

@@ -49,6 +49,10 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     bool aUnePageARecharger() const override;
     void detacher() override;
 
+    // How many of these views exist (the debug trace counts them: one that outlives its window
+    // is a leak).
+    static std::size_t vivantes() { return vivantes_; }
+
     // The page is ready to be shown in its window (popups only).
     std::function<void()> pretAAfficher;
 
@@ -77,6 +81,7 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     // Decides a link the user activated once the page has said whether it lies in a frame.
     void deciderLienActive(WebKitPolicyDecision* decision, ActionNavigation action);
 
+    inline static std::size_t vivantes_ = 0;
     Ref<WebKitWebView> vue_;
     std::weak_ptr<Controleur> controleur_;
     // WebKit reports a failed load as finished too; only a clean finish counts.
