@@ -168,6 +168,8 @@ void Controleur::detruireWebView() {
     oublierVue(*webView_);
     webView_->arreter();
     webView_->detacher();
+    // Popups share the main view's process: it ends with the view only when none is open.
+    if (fenetresSecondaires_.empty()) webView_->terminerProcessus();
     webView_.reset();
 }
 

@@ -147,6 +147,9 @@ class VueWeb {
     virtual bool aUnePageARecharger() const = 0;
     // Stops every callback of this web view from reaching the controller.
     virtual void detacher() = 0;
+    // Ends the engine's process behind the view, which the engine may otherwise keep, with all
+    // its memory, long after the view is gone. Where the engine offers no way, nothing.
+    virtual void terminerProcessus() {}
 };
 
 // What the engine supplies when a page asks for a new window (the opener's configuration);

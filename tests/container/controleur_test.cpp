@@ -80,7 +80,7 @@ TEST_F(ControleurTest, RouvrirLEspaceOuFermerLaFenetreFermeDAbordLesFenetresSeco
               (std::vector<std::string>{"fermer Brindex", "vue principale", "ecran espace"}));
     EXPECT_TRUE(controleur->fenetresSecondaires().empty());
     EXPECT_EQ(std::tie(premiere.detachee, premiere.actions),
-              std::tuple(true, std::vector<std::string>{"arreter"}));
+              std::tuple(true, std::vector<std::string>{"arreter", "terminer"}));
     EXPECT_EQ(controleur->originesWebView().size(), 1u);
     EXPECT_FALSE(controleur->principaleADejaCharge());
     EXPECT_NE(&principale(), &premiere);
@@ -347,6 +347,50 @@ TEST_F(ControleurTest, UnProcessusWebMortRevientUneFoisPuisSExplique) {
     VueWebTest partie(false);  // no longer shown: left alone
     controleur->processusTermine(partie, FinProcessus::plantage);
     EXPECT_TRUE(partie.actions.empty() && partie.chargements.empty());
+}
+
+TEST_F(ControleurTest, LesTablesNeGardentRienDUneVueOuDUnTelechargementFini) {
+    const auto tailles = [&] {
+        std::string t;
+        for (const auto& [nom, taille] : controleur->tailles()) t += std::to_string(taille) + " ";
+        return t;
+    };
+    p.telechargements = dossier.string();
+    // How views end, and what each table then holds (origins, secondary windows, process ends,
+    // views with navigations waiting, those navigations, downloads): only the views still
+    // shown, and the downloads, which outlive any window until they end themselves; whether the
+    // main view's engine process is ended with it (never while a popup may share it).
+    const std::tuple<std::function<void(VueWeb&)>, const char*, bool> table[] = {
+        {[&](VueWeb&) { p.secondaires.back()->fermer(); }, "1 0 1 1 1 2 ", false},
+        {[&](VueWeb& popup) { controleur->fermetureDemandee(popup); }, "1 0 1 1 1 2 ", false},
+        {[&](VueWeb&) { controleur->changerEspace(); }, "0 0 0 0 0 2 ", true},
+        {[&](VueWeb&) { controleur->ouvrirEspace(*controleur->adresseEspace()); }, "1 0 0 0 0 2 ",
+         true},
+        {[&](VueWeb&) { controleur->montrerErreur("x"); }, "1 1 1 1 1 2 ", false},
+        {[&](VueWeb&) { fenetre().fermer(); }, "0 0 0 0 0 2 ", true},
+    };
+    for (const auto& [finir, attendu, termine] : table) {
+        SCOPED_TRACE(attendu);
+        p.horloge += delaiRechuteProcessus;
+        auto& espace = espaceCharge();
+        auto& autre = static_cast<VueWebTest&>(*popup(espace, "https://espace.example/f"));
+        std::vector<std::shared_ptr<TelechargementTest>> enCours;
+        for (VueWebTest* vue : {&espace, &autre}) {
+            vue->pageCourante = true;
+            controleur->processusTermine(*vue, FinProcessus::plantage);
+            controleur->deciderAction(
+                *vue, {"https://ailleurs.example/", TypeNavigation::autre, CadreCible::inconnu});
+            enCours.push_back(std::make_shared<TelechargementTest>());
+            controleur->destinationTelechargement(enCours.back(), "rapport.pdf");
+        }
+        finir(autre);
+        EXPECT_EQ(tailles(), attendu);
+        EXPECT_EQ(std::count(espace.actions.begin(), espace.actions.end(), "terminer"), termine);
+        EXPECT_EQ(std::count(autre.actions.begin(), autre.actions.end(), "terminer"), 0);
+        controleur->telechargementTermine(*enCours[0]);
+        controleur->telechargementEchoue(*enCours[1], "coupure");
+        EXPECT_EQ(controleur->telechargementsEnCours(), 0u);
+    }
 }
 
 }  // namespace

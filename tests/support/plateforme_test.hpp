@@ -57,6 +57,7 @@ struct VueWebTest : VueWeb {
     double progression() const override { return progressionCourante; }
     bool aUnePageARecharger() const override { return pageCourante; }
     void detacher() override { detachee = true; }
+    void terminerProcessus() override { actions.push_back("terminer"); }
 
     bool creeeAvecConfiguration, detachee = false, pageCourante = false;
     std::vector<std::pair<std::string, double>> chargements;

@@ -191,6 +191,9 @@ std::optional<std::string> VueWebGtk::titre() const {
 double VueWebGtk::progression() const {
     return webkit_web_view_get_estimated_load_progress(vue_.get());
 }
+void VueWebGtk::terminerProcessus() {
+    webkit_web_view_terminate_web_process(vue_.get());
+}
 bool VueWebGtk::aUnePageARecharger() const {
     return webkit_back_forward_list_get_current_item(
                webkit_web_view_get_back_forward_list(vue_.get())) != nullptr;

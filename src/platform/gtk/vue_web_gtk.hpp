@@ -48,6 +48,7 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     double progression() const override;
     bool aUnePageARecharger() const override;
     void detacher() override;
+    void terminerProcessus() override;
 
     // How many of these views exist (the debug trace counts them: one that outlives its window
     // is a leak).
