@@ -349,6 +349,14 @@ TEST_F(ControleurTest, UnProcessusWebMortRevientUneFoisPuisSExplique) {
     EXPECT_TRUE(partie.actions.empty() && partie.chargements.empty());
 }
 
+TEST_F(ControleurTest, LaVuePrincipaleSuitLHistoriqueDUnBalayageSeulementSiOnPeutBalayer) {
+    for (const bool balayage : {true, false}) {
+        p.balayage = balayage;
+        espaceCharge();
+        EXPECT_EQ(p.parametresVues.back().gestesHistorique, balayage);
+    }
+}
+
 TEST_F(ControleurTest, LesTablesNeGardentRienDUneVueOuDUnTelechargementFini) {
     const auto tailles = [&] {
         std::string t;

@@ -163,6 +163,7 @@ struct PlateformeTest : Plateforme, Temoin {
     std::shared_ptr<VueWeb> creerVueWeb(const ParametresVueWeb& p,
                                         const ConfigurationMoteur* configuration) override {
         trace(p.principale ? "vue principale" : "vue secondaire");
+        parametresVues.push_back(p);
         return vues.emplace_back(std::make_shared<VueWebTest>(configuration != nullptr));
     }
     std::shared_ptr<Fenetre> creerFenetreSecondaire(const ParametresFenetre& p,
@@ -194,6 +195,7 @@ struct PlateformeTest : Plateforme, Temoin {
         return suffixesTemporaires;
     }
     std::chrono::steady_clock::time_point maintenant() const override { return horloge; }
+    bool balayagePossible() const override { return balayage; }
     // Makes this window the only key one (nullptr: none is key).
     void rendreCle(Fenetre* fenetre) override {
         for (auto& f : principales) f->cle = f.get() == fenetre;
@@ -204,6 +206,8 @@ struct PlateformeTest : Plateforme, Temoin {
     TransportTest transport_;
     std::vector<std::shared_ptr<FenetreTest>> principales, secondaires;
     std::vector<std::shared_ptr<VueWebTest>> vues;
+    std::vector<ParametresVueWeb> parametresVues;
+    bool balayage = true;
     std::vector<std::string> urlsOuvertes, reveles;
     std::vector<Alerte> alertes;
     // Answers to the next alerts and file choices; one without stays unanswered.
