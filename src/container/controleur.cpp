@@ -523,7 +523,13 @@ void Controleur::ouvrirImpression(const Place& place, bool parUtilisateur) {
     activation_.reset();
     std::weak_ptr<Controleur> faible = weak_from_this();
     const Fenetre* fenetre = place.fenetre;
-    place.vue->imprimer([faible, fenetre] {
+    // Printed to a file, the page goes beside the downloads, named after its title.
+    const std::string dossier = dossierTelechargements(plateforme_.dossierTelechargements(),
+                                                       plateforme_.dossierPersonnel());
+    const std::string nom = nomDeFichierSur(extrait(titreFenetre(place.vue->titre()), 100, 1));
+    const std::string fichier = destinationUnique(
+        dossier, nom + ".pdf", [this](const std::string& c) { return plateforme_.existe(c); });
+    place.vue->imprimer(fichier, [faible, fenetre] {
         const auto c = faible.lock();
         if (!c) return;
         if (const auto etat = c->impressions_.find(fenetre); etat != c->impressions_.end()) {

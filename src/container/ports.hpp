@@ -146,9 +146,9 @@ class VueWeb {
     virtual void finirRecherche() = 0;
     // Gives the page the keyboard focus.
     virtual void focaliser() = 0;
-    // The platform's print dialog for this page, on its window; `ferme` runs once when the
-    // dialog closes, printed or not.
-    virtual void imprimer(std::function<void()> ferme) = 0;
+    // The platform's print dialog for this page, on its window, suggesting `fichierPdf` where it
+    // prints to a file; `ferme` runs once when the dialog closes, printed or not.
+    virtual void imprimer(const std::string& fichierPdf, std::function<void()> ferme) = 0;
 };
 
 // What the engine supplies when a page asks for a new window (the opener's configuration);

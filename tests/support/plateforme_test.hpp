@@ -61,7 +61,10 @@ struct VueWebTest : VueWeb {
     void chercher(const std::string& t, SensRecherche s) override { recherches.emplace_back(t, s); }
     void finirRecherche() override { actions.push_back("finirRecherche"); }
     void focaliser() override { actions.push_back("focaliser"); }
-    void imprimer(std::function<void()> ferme) override { impressions.push_back(std::move(ferme)); }
+    void imprimer(const std::string& f, std::function<void()> ferme) override {
+        fichiersImpression.push_back(f);
+        impressions.push_back(std::move(ferme));
+    }
 
     bool creeeAvecConfiguration, detachee = false;
     std::vector<std::pair<std::string, double>> chargements;
@@ -69,6 +72,7 @@ struct VueWebTest : VueWeb {
     std::vector<std::pair<std::string, SensRecherche>> recherches;
     // What each print dialog shown runs when it closes.
     std::vector<std::function<void()>> impressions;
+    std::vector<std::string> fichiersImpression;
     std::optional<std::string> urlCourante, titreCourant;
     double progressionCourante = 0, zoom_ = 1.0;
 };

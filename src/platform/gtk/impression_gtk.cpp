@@ -24,6 +24,14 @@ Ref<GtkPrintSettings>& reglagesImpression() {
     return reglages;
 }
 
+GtkWidget* listeImprimantes(GtkWidget* racine) {
+    if (GTK_IS_COLUMN_VIEW(racine)) return racine;
+    for (GtkWidget* e = gtk_widget_get_first_child(racine); e; e = gtk_widget_get_next_sibling(e)) {
+        if (GtkWidget* liste = listeImprimantes(e)) return liste;
+    }
+    return nullptr;
+}
+
 struct Dialogue {
     Ref<WebKitWebView> vue;
     // What waits for the dialog: the window's content.
@@ -54,7 +62,8 @@ void imprimer(WebKitWebView* vue, GtkPrintSettings* reglages, GtkPageSetup* page
 
 }  // namespace
 
-void dialogueImpression(WebKitWebView* vue, std::function<void()> ferme,
+void dialogueImpression(WebKitWebView* vue, const std::string& fichierPdf,
+                        std::function<void()> ferme,
                         std::function<void(const std::string&)> echec) {
     GtkRoot* racine = gtk_widget_get_root(GTK_WIDGET(vue));
     GtkWindow* parent = racine && GTK_IS_WINDOW(racine) ? GTK_WINDOW(racine) : nullptr;
@@ -66,7 +75,13 @@ void dialogueImpression(WebKitWebView* vue, std::function<void()> ferme,
                              GTK_PRINT_CAPABILITY_NUMBER_UP_LAYOUT | GTK_PRINT_CAPABILITY_PAGE_SET |
                              GTK_PRINT_CAPABILITY_REVERSE | GTK_PRINT_CAPABILITY_COPIES |
                              GTK_PRINT_CAPABILITY_COLLATE | GTK_PRINT_CAPABILITY_SCALE));
-    gtk_print_unix_dialog_set_settings(d, reglagesImpression().get());
+    // The printer and options of the last print, and this page's own file.
+    Ref<GtkPrintSettings> reglages = adopter(gtk_print_settings_copy(reglagesImpression().get()));
+    if (char* uri = g_filename_to_uri(fichierPdf.c_str(), nullptr, nullptr)) {
+        gtk_print_settings_set(reglages.get(), GTK_PRINT_SETTINGS_OUTPUT_URI, uri);
+        g_free(uri);
+    }
+    gtk_print_unix_dialog_set_settings(d, reglages.get());
     gtk_print_unix_dialog_set_embed_page_setup(d, TRUE);
     // Like a sheet: its window waits, the others don't.
     gtk_window_set_modal(GTK_WINDOW(dialogue), FALSE);
@@ -85,6 +100,12 @@ void dialogueImpression(WebKitWebView* vue, std::function<void()> ferme,
                          gtk_print_unix_dialog_get_page_setup(choix), std::move(e->echec));
             }
             if (e->bloque) gtk_widget_set_sensitive(e->bloque.get(), TRUE);
+            // GTK 4.8 unloads the printers after the list that shows them, and tells the
+            // dialog, whose list is already gone: it no longer listens.
+            if (GtkWidget* liste = listeImprimantes(GTK_WIDGET(fenetre))) {
+                g_signal_handlers_disconnect_by_data(
+                    gtk_column_view_get_model(GTK_COLUMN_VIEW(liste)), fenetre);
+            }
             gtk_window_destroy(GTK_WINDOW(fenetre));
             if (e->ferme) e->ferme();
         }),

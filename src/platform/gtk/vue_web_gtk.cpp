@@ -223,13 +223,14 @@ void VueWebGtk::finirRecherche() {
 void VueWebGtk::focaliser() {
     gtk_widget_grab_focus(widget());
 }
-void VueWebGtk::imprimer(std::function<void()> ferme) {
+void VueWebGtk::imprimer(const std::string& fichierPdf, std::function<void()> ferme) {
     std::weak_ptr<VueWebGtk> faible = weak_from_this();
-    dialogueImpression(vue_.get(), std::move(ferme), [faible](const std::string& description) {
-        const auto vue = faible.lock();
-        const auto c = vue ? vue->controleur_.lock() : nullptr;
-        if (c && vue->attachee_) c->impressionEchouee(*vue, description);
-    });
+    dialogueImpression(vue_.get(), fichierPdf, std::move(ferme),
+                       [faible](const std::string& description) {
+                           const auto vue = faible.lock();
+                           const auto c = vue ? vue->controleur_.lock() : nullptr;
+                           if (c && vue->attachee_) c->impressionEchouee(*vue, description);
+                       });
 }
 
 // ---- Engine callbacks ----

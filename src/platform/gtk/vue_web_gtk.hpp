@@ -50,7 +50,7 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     void chercher(const std::string& texte, SensRecherche sens) override;
     void finirRecherche() override;
     void focaliser() override;
-    void imprimer(std::function<void()> ferme) override;
+    void imprimer(const std::string& fichierPdf, std::function<void()> ferme) override;
 
     // The page is ready to be shown in its window (popups only).
     std::function<void()> pretAAfficher;
