@@ -121,5 +121,17 @@ TEST_F(Quotidien, LaBarreDeRecherchePasseDUnResultatALAutreEtSeFermeAvecSaPage) 
     controleur->recherche().attacher(nullptr);
 }
 
+TEST(Orthographe, LesLanguesDeLaLocalePuisLeFrancaisEtLAnglais) {
+    using L = std::vector<std::string>;
+    // clang-format off
+    const std::pair<L, L> table[] = {
+        {{"C.UTF-8", "C"}, {"fr_FR", "en_US"}},
+        {{"fr_CA.UTF-8", "fr_CA", "fr.UTF-8", "fr", "C"}, {"fr_CA", "en_US"}},
+        {{"de_DE.UTF-8@euro", "de_DE", "de", "POSIX"}, {"de_DE", "fr_FR", "en_US"}},
+        {{"en_GB", "en", "pt_BR", "pt"}, {"en_GB", "pt_BR", "fr_FR"}}};
+    // clang-format on
+    for (const auto& [locale, langues] : table) EXPECT_EQ(languesOrthographe(locale), langues);
+}
+
 }  // namespace
 }  // namespace brindex::test

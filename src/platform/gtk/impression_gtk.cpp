@@ -2,7 +2,6 @@
 
 #include <gtk/gtkunixprint.h>
 
-#include <memory>
 
 #include "outils_gtk.hpp"
 
@@ -32,12 +31,19 @@ GtkWidget* listeImprimantes(GtkWidget* racine) {
     return nullptr;
 }
 
+// What an open dialog needs. However the dialog goes (answered, or with its window), its
+// window is usable again and hears of it once.
 struct Dialogue {
     Ref<WebKitWebView> vue;
     // What waits for the dialog: the window's content.
     Ref<GtkWidget> bloque;
     std::function<void()> ferme;
     std::function<void(const std::string&)> echec;
+
+    ~Dialogue() {
+        if (bloque) gtk_widget_set_sensitive(bloque.get(), TRUE);
+        if (ferme) ferme();
+    }
 };
 
 void imprimer(WebKitWebView* vue, GtkPrintSettings* reglages, GtkPageSetup* page,
@@ -83,15 +89,18 @@ void dialogueImpression(WebKitWebView* vue, const std::string& fichierPdf,
     }
     gtk_print_unix_dialog_set_settings(d, reglages.get());
     gtk_print_unix_dialog_set_embed_page_setup(d, TRUE);
-    // Like a sheet: its window waits, the others don't.
+    // Like a sheet: its window waits, the others don't; it goes with its window.
     gtk_window_set_modal(GTK_WINDOW(dialogue), FALSE);
+    gtk_window_set_destroy_with_parent(GTK_WINDOW(dialogue), TRUE);
     GtkWidget* contenu = parent ? gtk_window_get_child(parent) : nullptr;
     if (contenu) gtk_widget_set_sensitive(contenu, FALSE);
     auto* etat = new Dialogue{Ref<WebKitWebView>::partager(vue), Ref<GtkWidget>::partager(contenu),
                               std::move(ferme), std::move(echec)};
+    g_object_set_data_full(G_OBJECT(dialogue), "impression", etat,
+                           [](gpointer e) { delete static_cast<Dialogue*>(e); });
     g_signal_connect(
         dialogue, "response", G_CALLBACK(+[](GtkDialog* fenetre, int reponse, gpointer donnees) {
-            std::unique_ptr<Dialogue> e(static_cast<Dialogue*>(donnees));
+            auto* e = static_cast<Dialogue*>(donnees);
             g_signal_handlers_disconnect_by_data(fenetre, donnees);
             auto* choix = GTK_PRINT_UNIX_DIALOG(fenetre);
             if (reponse == GTK_RESPONSE_OK) {
@@ -99,7 +108,7 @@ void dialogueImpression(WebKitWebView* vue, const std::string& fichierPdf,
                 imprimer(e->vue.get(), reglagesImpression().get(),
                          gtk_print_unix_dialog_get_page_setup(choix), std::move(e->echec));
             }
-            if (e->bloque) gtk_widget_set_sensitive(e->bloque.get(), TRUE);
+            g_object_set_data(G_OBJECT(fenetre), "impression", nullptr);
             // GTK 4.8 unloads the printers after the list that shows them, and tells the
             // dialog, whose list is already gone: it no longer listens.
             if (GtkWidget* liste = listeImprimantes(GTK_WIDGET(fenetre))) {
@@ -107,7 +116,6 @@ void dialogueImpression(WebKitWebView* vue, const std::string& fichierPdf,
                     gtk_column_view_get_model(GTK_COLUMN_VIEW(liste)), fenetre);
             }
             gtk_window_destroy(GTK_WINDOW(fenetre));
-            if (e->ferme) e->ferme();
         }),
         etat);
     gtk_window_present(GTK_WINDOW(dialogue));
