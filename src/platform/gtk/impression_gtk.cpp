@@ -2,7 +2,6 @@
 
 #include <gtk/gtkunixprint.h>
 
-
 #include "outils_gtk.hpp"
 
 namespace brindex::gtk {

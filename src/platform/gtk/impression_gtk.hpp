@@ -12,7 +12,6 @@ namespace brindex::gtk {
 // `ferme` runs once the dialog closes; a print that then fails calls `echec` with the system's
 // words.
 void dialogueImpression(WebKitWebView* vue, const std::string& fichierPdf,
-                        std::function<void()> ferme,
-                        std::function<void(const std::string&)> echec);
+                        std::function<void()> ferme, std::function<void(const std::string&)> echec);
 
 }  // namespace brindex::gtk
