@@ -57,6 +57,7 @@ struct VueWebTest : VueWeb {
     std::optional<std::string> url() const override { return urlCourante; }
     std::optional<std::string> titre() const override { return titreCourant; }
     double progression() const override { return progressionCourante; }
+    bool aUnePageARecharger() const override { return pageCourante; }
     void detacher() override { detachee = true; }
     void chercher(const std::string& t, SensRecherche s) override { recherches.emplace_back(t, s); }
     void finirRecherche() override { actions.push_back("finirRecherche"); }
@@ -66,7 +67,7 @@ struct VueWebTest : VueWeb {
         impressions.push_back(std::move(ferme));
     }
 
-    bool creeeAvecConfiguration, detachee = false;
+    bool creeeAvecConfiguration, detachee = false, pageCourante = false;
     std::vector<std::pair<std::string, double>> chargements;
     std::vector<std::string> actions;
     std::vector<std::pair<std::string, SensRecherche>> recherches;
