@@ -126,6 +126,11 @@ using FichiersChoisis = std::optional<std::vector<std::string>>;
 
 // ---- Platform objects ----
 
+// A search of the page's text: a new one from the top, or a step to the next or previous match.
+enum class SensRecherche { nouvelle, suivante, precedente };
+
+class RechercheDansPage;
+
 // A web view. Its identity is the object's address.
 class VueWeb {
   public:
@@ -150,6 +155,17 @@ class VueWeb {
     // Ends the engine's process behind the view, which the engine may otherwise keep, with all
     // its memory, long after the view is gone. Where the engine offers no way, nothing.
     virtual void terminerProcessus() {}
+
+    // Finds the text in the page, case-insensitively and wrapping around, and selects the match;
+    // the engine answers each search once, in order (Controleur::resultatRecherche).
+    virtual void chercher(const std::string& texte, SensRecherche sens) = 0;
+    // Takes the highlights of the last search away.
+    virtual void finirRecherche() = 0;
+    // Gives the page the keyboard focus.
+    virtual void focaliser() = 0;
+    // The platform's print dialog for this page, on its window, suggesting `fichierPdf` where it
+    // prints to a file; `ferme` runs once when the dialog closes, printed or not.
+    virtual void imprimer(const std::string& fichierPdf, std::function<void()> ferme) = 0;
 };
 
 // What the engine supplies when a page asks for a new window (the opener's configuration);
@@ -199,6 +215,9 @@ class Fenetre {
     // runs once when it closes.
     virtual void feuille(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) = 0;
     void feuille(const Alerte& alerte) { feuille(alerte, nullptr); }
+    // The platform draws the window's find bar, hidden, above the page, sends it the user's
+    // input and calls `recherche->attacher` with its widgets.
+    virtual void attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) = 0;
 };
 
 // The main window shows exactly one of three screens.
@@ -230,6 +249,9 @@ class Plateforme {
 
     // The default browser, or the mail or telephone handler.
     virtual void ouvrirUrl(const std::string& url) = 0;
+    // The name of the application the system opens this URL with, other than this one; nothing
+    // when there is none.
+    virtual std::optional<std::string> applicationPour(const std::string& url) = 0;
     // Shows the file selected in the file manager.
     virtual void reveler(const std::string& chemin) = 0;
     // An application-modal alert; `reponse` runs once it is closed.

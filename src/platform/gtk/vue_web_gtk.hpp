@@ -49,6 +49,10 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     bool aUnePageARecharger() const override;
     void detacher() override;
     void terminerProcessus() override;
+    void chercher(const std::string& texte, SensRecherche sens) override;
+    void finirRecherche() override;
+    void focaliser() override;
+    void imprimer(const std::string& fichierPdf, std::function<void()> ferme) override;
 
     // How many of these views exist (the debug trace counts them: one that outlives its window
     // is a leak).
@@ -76,6 +80,9 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     static gboolean surDelaiDepasse(gpointer);
     static void surFinProcessus(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer);
     static gboolean surEntree(GtkEventControllerLegacy*, GdkEvent*, gpointer);
+    static gboolean surImpression(WebKitWebView*, WebKitPrintOperation*, gpointer);
+    static void surTrouve(WebKitFindController*, guint nombre, gpointer);
+    static void surIntrouvable(WebKitFindController*, gpointer);
     void annulerDelai();
     // A failed load, reported once with the address that failed.
     void echouer(ErreurChargement erreur, const char* url);
