@@ -773,7 +773,8 @@ std::vector<std::pair<const char*, std::size_t>> Controleur::tailles() const {
             {"finsProcessus", finsProcessus_.size()},
             {"vuesEnAttente", attentes_.size()},
             {"attentes", attentes},
-            {"telechargements", telechargements_.size()}};
+            {"telechargements", telechargements_.size()},
+            {"impressions", impressions_.size()}};
 }
 
 std::optional<std::string> Controleur::destinationDe(const Telechargement& telechargement) const {
