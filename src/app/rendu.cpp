@@ -43,11 +43,12 @@ ChoixRendu choisirRendu(const std::optional<std::string>& rendeurGl, bool gskImp
 }
 
 std::optional<ChoixRendu> choisirRenduSansCarte(bool carteGraphique, bool gskImpose,
-                                                bool compositionImposee) {
+                                                bool compositionImposee, bool dmabufImpose) {
     if (carteGraphique) return std::nullopt;
     auto choix = composer(true, "pas de carte graphique", gskImpose, compositionImposee);
     // A renderer the user named may want GL: then GTK prepares it as usual.
     choix.sansGl = !gskImpose;
+    choix.sansDmabuf = !dmabufImpose;
     return choix;
 }
 

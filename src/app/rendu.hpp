@@ -14,6 +14,7 @@ struct ChoixRendu {
     bool rendeurCairo = false;     // GTK draws with cairo (set before its first window)
     bool sansComposition = false;  // WebKit never composites in hardware
     bool sansGl = false;           // GTK doesn't prepare GL when it opens the display
+    bool sansDmabuf = false;       // WebKit hands pages over in shared memory, not through GL
     std::string ligneJournal;
 };
 
@@ -26,8 +27,11 @@ ChoixRendu choisirRendu(const std::optional<std::string>& rendeurGl, bool gskImp
 // Before the toolkit opens the display. Without a graphics device (no render node, no
 // proprietary driver's device), GL can only run in software: the choice needs no probe, and
 // GTK need not prepare GL at all, which spares each launch loading a software GL driver (about
-// a tenth of a second, and its memory). Nothing when there is a device: the probe decides.
+// a tenth of a second, and its memory). WebKit then needn't look for GL before its first view
+// either (its DMA-BUF renderer, which WEBKIT_DISABLE_DMABUF_RENDERER turns off): the software
+// driver it would load then comes later, while the page's processes start. Nothing when there is
+// a device: the probe decides. `dmabufImpose`: the user set that variable, which wins.
 std::optional<ChoixRendu> choisirRenduSansCarte(bool carteGraphique, bool gskImpose,
-                                                bool compositionImposee);
+                                                bool compositionImposee, bool dmabufImpose);
 
 }  // namespace brindex

@@ -88,12 +88,14 @@ TEST(Rendu, LogicielSansGpuSaufSiLEnvironnementEnDecide) {
     }
     // Without a graphics device no probe is needed, and GL is left unprepared unless the user
     // named a renderer; with one, the probe decides.
-    EXPECT_FALSE(choisirRenduSansCarte(true, false, false));
-    for (const auto& [gsk, composition] : {std::pair{false, false}, {true, false}, {false, true}}) {
-        const auto c = choisirRenduSansCarte(false, gsk, composition);
+    EXPECT_FALSE(choisirRenduSansCarte(true, false, false, false));
+    for (const auto& [gsk, composition, dmabuf] :
+         {std::tuple{false, false, false}, {true, false, true}, {false, true, false}}) {
+        const auto c = choisirRenduSansCarte(false, gsk, composition, dmabuf);
         ASSERT_TRUE(c);
-        EXPECT_EQ(std::make_tuple(c->logiciel, c->rendeurCairo, c->sansComposition, c->sansGl),
-                  std::make_tuple(true, !gsk, !composition, !gsk));
+        EXPECT_EQ(std::make_tuple(c->logiciel, c->rendeurCairo, c->sansComposition, c->sansGl,
+                                  c->sansDmabuf),
+                  std::make_tuple(true, !gsk, !composition, !gsk, !dmabuf));
     }
 }
 

@@ -25,6 +25,9 @@ bool gskImpose() {
 bool compositionImposee() {
     return g_getenv("WEBKIT_DISABLE_COMPOSITING_MODE") != nullptr;
 }
+bool dmabufImpose() {
+    return g_getenv("WEBKIT_DISABLE_DMABUF_RENDERER") != nullptr;
+}
 
 // "performClose:" becomes the action "performClose".
 std::string nomAction(const ElementMenu& element) {
@@ -115,14 +118,18 @@ int ApplicationGtk::executer(int argc, char** argv) {
             return 0;
         }
     }
-    // Without a graphics device GTK is told, before it opens the display, not to prepare GL.
-    renduSansCarte_ =
-        choisirRenduSansCarte(carteGraphiquePresente(), gskImpose(), compositionImposee());
+    // Without a graphics device GTK is told, before it opens the display, not to prepare GL, and
+    // WebKit, before its first view, not to look for it.
+    renduSansCarte_ = choisirRenduSansCarte(carteGraphiquePresente(), gskImpose(),
+                                            compositionImposee(), dmabufImpose());
     if (renduSansCarte_ && renduSansCarte_->sansGl) {
         const char* debogage = g_getenv("GDK_DEBUG");
         const std::string drapeaux =
             debogage && *debogage ? std::string(debogage) + ",gl-disable" : "gl-disable";
         g_setenv("GDK_DEBUG", drapeaux.c_str(), TRUE);
+    }
+    if (renduSansCarte_ && renduSansCarte_->sansDmabuf) {
+        g_setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", TRUE);
     }
     char* seul[] = {argc > 0 ? argv[0] : nullptr, nullptr};
     return g_application_run(G_APPLICATION(application_.get()), argc > 0 ? 1 : 0, seul);
