@@ -133,6 +133,10 @@ class VueWeb {
     virtual double progression() const = 0;
     // Stops every callback of this web view from reaching the controller.
     virtual void detacher() = 0;
+    // Asks the page to close politely: the engine runs its before-unload handlers (which may ask
+    // Controleur::confirmationDepart) and reports to Controleur::fermetureDemandee if it agrees,
+    // possibly before this returns.
+    virtual void essayerFermer() = 0;
 };
 
 // What the engine supplies when a page asks for a new window (the opener's configuration);
@@ -174,6 +178,9 @@ class Fenetre {
     virtual void devant() = 0;
     // Forgets the close callback, so that closing the window reports nothing.
     virtual void oublierFermeture() = 0;
+    // The user's request to close the window (its close button, a key) goes to `demande` first;
+    // the window closes only when it answers true. Forgotten with the close callback.
+    virtual void retenirFermeture(std::function<bool()> demande) = 0;
     virtual void fermer() = 0;
     // An alert sheet attached to this window: it blocks this window only; `reponse`, if any,
     // runs once when it closes.

@@ -22,6 +22,16 @@ class ControleurTest : public testing::Test {
         std::filesystem::remove_all(dossier);
         std::filesystem::create_directories(dossier);
         Journal::definirChemin((dossier / "Brindex.log").string());
+        // The engine: a page that wants it is asked before it is left; one agreeing to close says
+        // so.
+        p.moteur = [this](VueWebTest& vue, const std::string& acte) {
+            const auto suite = [this, &vue, acte](bool quitter) {
+                if (quitter) vue.departs.push_back(acte);
+                if (quitter && acte == "essayerFermer") controleur->fermetureDemandee(vue);
+            };
+            if (vue.confirmation) return controleur->confirmationDepart(vue, suite);
+            suite(true);
+        };
         controleur = Controleur::creer(p);
     }
     void TearDown() override {

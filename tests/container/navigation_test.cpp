@@ -56,7 +56,16 @@ TEST_F(Navigation, PolitiqueDesActions) {
         {"http://espace.example/wiki", lienActive, principal, false, true, {}, annuler, "http://espace.example/wiki", nullptr},
         {"https://video.example/embed", autre, sousCadre, false, false, {}, autoriser, nullptr, nullptr},
         {"https://espace.example/p", lienActive, aucun, false, false, {}, autoriser, nullptr, nullptr},
-        {"https://ailleurs.example/", lienActive, aucun, false, true, {}, annuler, "https://ailleurs.example/", nullptr}};
+        {"https://ailleurs.example/", lienActive, aucun, false, true, {}, annuler, "https://ailleurs.example/", nullptr},
+        // Files the page made, saved when the user's link asks: the engine says so, or turns the
+        // link into a download by itself (its response, should one come, is refused).
+        {"blob:https://espace.example/3f2a", lienActive, principal, true, true, true, telecharger, nullptr, nullptr},
+        {"blob:https://espace.example/3f2a", lienActive, inconnu, false, true, true, autoriser, nullptr, nullptr},
+        {"data:text/csv,a;b", lienActive, sousCadre, true, true, {}, telecharger, nullptr, nullptr},
+        {"blob:https://espace.example/3f2a", lienActive, principal, true, false, {}, annuler, nullptr, "navigation REFUSEE scheme=blob"},
+        {"data:text/csv,a;b", lienActive, principal, true, true, false, annuler, nullptr, "navigation REFUSEE scheme=data"},
+        {"blob:https://ailleurs.example/3f2a", lienActive, principal, true, true, {}, annuler, nullptr, "navigation REFUSEE scheme=blob"},
+        {"BLOB:https://espace.example/3f2a", autre, principal, true, true, {}, annuler, nullptr, "navigation REFUSEE scheme=blob"}};
     // clang-format on
     for (const auto& [url, type, cible, telechargement, clic, geste, attendue, ouverte, ligne] :
          table) {
@@ -114,7 +123,9 @@ TEST_F(Navigation, PolitiqueDesReponses) {
     const std::pair<ReponseNavigation, Politique> reponses[] = {
         {{true, "Attachment; filename=x.pdf", true}, telecharger}, {{true, "inline; filename=\"attachment.pdf\"", true}, telecharger},
         {{true, "inline", true}, autoriser}, {{true, std::nullopt, true}, autoriser},
-        {{true, std::nullopt, false}, telecharger}, {{false, "attachment", true}, autoriser}};
+        {{true, std::nullopt, false}, telecharger}, {{false, "attachment", true}, autoriser},
+        {{false, std::nullopt, true, "blob:https://espace.example/3f2a", false}, annuler},
+        {{true, std::nullopt, true, "data:text/html,x"}, annuler}};
     // clang-format on
     for (const auto& [reponse, attendue] : reponses) {
         EXPECT_EQ(controleur->deciderReponse(vue, reponse), attendue)

@@ -44,12 +44,25 @@ struct TransportTest : TransportHttp {
 
 struct VueWebTest : VueWeb {
     explicit VueWebTest(bool avecConfiguration) : creeeAvecConfiguration(avecConfiguration) {}
-    void charger(const std::string& u, double d) override { chargements.emplace_back(u, d); }
+    void charger(const std::string& u, double d) override {
+        chargements.emplace_back(u, d);
+        if (moteur) moteur(*this, "charger");
+    }
     void arreter() override { actions.push_back("arreter"); }
-    void recharger() override { actions.push_back("recharger"); }
-    void rechargerOrigine() override { actions.push_back("rechargerOrigine"); }
-    void reculer() override { actions.push_back("reculer"); }
-    void avancer() override { actions.push_back("avancer"); }
+    void recharger() override { agir("recharger"); }
+    void rechargerOrigine() override { agir("rechargerOrigine"); }
+    void reculer() override { agir("reculer"); }
+    void avancer() override { agir("avancer"); }
+    void essayerFermer() override { agir("essayerFermer"); }
+    // Leaving the page goes through the test's engine, if any.
+    void agir(const std::string& acte) {
+        actions.push_back(acte);
+        if (moteur) moteur(*this, acte);
+    }
+    std::function<void(VueWebTest&, const std::string&)> moteur;
+    // The page asks to be confirmed before it is left; what left it, once agreed.
+    bool confirmation = false;
+    std::vector<std::string> departs;
     double zoom() const override { return zoom_; }
     void definirZoom(double z) override { zoom_ = z; }
     std::optional<std::string> url() const override { return urlCourante; }
@@ -104,8 +117,12 @@ struct FenetreTest : FenetrePrincipale {
         temoin.rendreCle(this);
         temoin.trace("devant");
     }
-    void oublierFermeture() override { vaFermer_ = nullptr; }
-    // Also the user's press on the close button.
+    void oublierFermeture() override { vaFermer_ = retenue = nullptr; }
+    void retenirFermeture(std::function<bool()> demande) override { retenue = std::move(demande); }
+    // The user's press on the close button.
+    void demanderFermeture() {
+        if (!retenue || retenue()) fermer();
+    }
     void fermer() override {
         if (fermee) return;
         fermee = true;
@@ -139,6 +156,7 @@ struct FenetreTest : FenetrePrincipale {
 
     Temoin& temoin;
     std::function<void()> vaFermer_;
+    std::function<bool()> retenue;
     std::string titre;
     bool cle = false, fermee = false, barreVisible = false;
     int passagesDevant = 0;
@@ -161,7 +179,9 @@ struct PlateformeTest : Plateforme, Temoin {
     std::shared_ptr<VueWeb> creerVueWeb(const ParametresVueWeb& p,
                                         const ConfigurationMoteur* configuration) override {
         trace(p.principale ? "vue principale" : "vue secondaire");
-        return vues.emplace_back(std::make_shared<VueWebTest>(configuration != nullptr));
+        auto& vue = vues.emplace_back(std::make_shared<VueWebTest>(configuration != nullptr));
+        vue->moteur = moteur;
+        return vue;
     }
     std::shared_ptr<Fenetre> creerFenetreSecondaire(const ParametresFenetre& p,
                                                     std::shared_ptr<VueWeb> vue,
@@ -202,6 +222,7 @@ struct PlateformeTest : Plateforme, Temoin {
     TransportTest transport_;
     std::vector<std::shared_ptr<FenetreTest>> principales, secondaires;
     std::vector<std::shared_ptr<VueWebTest>> vues;
+    std::function<void(VueWebTest&, const std::string&)> moteur;
     std::vector<std::string> urlsOuvertes, reveles;
     std::vector<Alerte> alertes;
     // Answers to the next alerts and file choices; one without stays unanswered.
