@@ -556,7 +556,7 @@ void Controleur::confirmationDepart(VueWeb& vue, std::function<void(bool)> fin) 
     fenetre->devant();
     std::weak_ptr<Controleur> faible = weak_from_this();
     fenetre->feuille(questionDepart(), [faible, &vue, fin = std::move(fin)](ReponseAlerte reponse) {
-        const bool quitter = reponse.bouton == 0;
+        const bool quitter = reponse.bouton == 1;
         if (const auto c = faible.lock()) {
             c->departs_.questionFermee(vue);
             if (!quitter) c->departs_.refus(vue);

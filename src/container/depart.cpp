@@ -7,12 +7,11 @@ namespace brindex {
 Alerte questionDepart() {
     Alerte question{"Quitter cette page ?",
                     "Les modifications que vous avez faites pourraient ne pas être enregistrées.",
-                    {"Quitter la page", "Rester sur la page"},
+                    {"Rester sur la page", "Quitter la page"},
                     std::nullopt,
                     260,
                     24};
-    question.boutonParDefaut = 1;
-    question.boutonEchap = 1;
+    question.boutonEchap = 0;
     return question;
 }
 

@@ -10,7 +10,7 @@ bool repondre(FenetreTest& fenetre, char reponse) {
     if (fenetre.reponsesEnAttente.empty()) return false;
     auto suite = std::move(fenetre.reponsesEnAttente.front());
     fenetre.reponsesEnAttente.erase(fenetre.reponsesEnAttente.begin());
-    suite({reponse == 'Q' ? 0u : 1u});
+    suite({reponse == 'Q' ? 1u : 0u, ""});
     return true;
 }
 
