@@ -36,7 +36,7 @@ class ConfigurationCocoa : public ConfigurationMoteur {
 };
 
 // A WKWebView whose delegate and observations reach the controller.
-class VueWebCocoa : public VueWeb {
+class VueWebCocoa : public VueWeb, public std::enable_shared_from_this<VueWebCocoa> {
    public:
     VueWebCocoa(const ParametresVueWeb &parametres, WKWebViewConfiguration *fournie,
                 std::weak_ptr<Controleur> controleur,
@@ -59,9 +59,11 @@ class VueWebCocoa : public VueWeb {
     std::optional<std::string> titre() const override;
     double progression() const override;
     void detacher() override;
+    void essayerFermer() override;
 
    private:
     WKWebView *webView_;
+    std::weak_ptr<Controleur> controleur_;
     BrindexDelegueWeb *delegue_;
     // The title and progress observations of the main web view; they end with detacher().
     id observateur_ = nil;
