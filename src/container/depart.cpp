@@ -1,5 +1,6 @@
 #include "container/depart.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace brindex {
@@ -28,7 +29,15 @@ bool Departs::questionPermise(const VueWeb& vue) {
 
 bool Departs::commencer(const std::vector<std::shared_ptr<VueWeb>>& vues,
                         std::function<void()> suite) {
-    if (enCours_) return false;
+    // A page whose question is open answers that first: WebKit stops waiting for a page to close
+    // after a moment unless its own question is the one on screen, and would take the silence
+    // for an agreement.
+    const auto ouverte = [&](const VueWeb* v) { return ouvertes_.contains(v); };
+    if ((enCours_ && ouverte(enCours_->courante)) ||
+        std::any_of(vues.begin(), vues.end(), [&](const auto& v) { return ouverte(v.get()); })) {
+        return false;
+    }
+    // Otherwise the user's new request replaces one still waiting for the engine.
     enCours_ = EnCours{{vues.begin(), vues.end()}, nullptr, std::move(suite)};
     if (!poursuivre()) return false;
     enCours_.reset();

@@ -31,8 +31,9 @@ class Departs {
     void questionFermee(const VueWeb& vue) { ouvertes_.erase(&vue); }
 
     // Asks the views in turn whether they may be left; `suite` runs once all agreed. Gives true
-    // when they all agreed before this returns: then `suite` doesn't run, the caller goes on. One
-    // departure at a time: another asked meanwhile is refused.
+    // when they all agreed before this returns: then `suite` doesn't run, the caller goes on.
+    // Refused while a question is open for one of these pages or for the departure under way;
+    // replaces a departure that only waits for the engine.
     bool commencer(const std::vector<std::shared_ptr<VueWeb>>& vues, std::function<void()> suite);
     // The engine says the page agreed to close; false if no departure was waiting for it (the page
     // asked to close by itself).

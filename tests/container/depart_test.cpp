@@ -5,7 +5,7 @@ namespace {
 
 using Ecran = FenetreTest::Ecran;
 
-// Answers the oldest open question of the window: 'Q' "Quitter la page", 'R' "Rester sur la page".
+// Answers the window's oldest open question: 'Q' "Quitter la page", 'R' "Rester sur la page".
 bool repondre(FenetreTest& fenetre, char reponse) {
     if (fenetre.reponsesEnAttente.empty()) return false;
     auto suite = std::move(fenetre.reponsesEnAttente.front());
@@ -18,7 +18,6 @@ TEST_F(ControleurTest, QuitterUnePageQuiLeDemandePasseParUneQuestionSurSaFenetre
     const std::map<std::string, std::function<void()>> actions = {
         {"recharger", [&] { controleur->executer(Commande::recharger); }},
         {"precedente", [&] { controleur->executer(Commande::pagePrecedente); }},
-        {"accueil", [&] { controleur->executer(Commande::accueil); }},
         {"lien", [&] { controleur->activationUtilisateur(), principale().agir("lien"); }},
         {"zoom", [&] { controleur->executer(Commande::zoomPlus); }},
         {"espace", [&] { controleur->executer(Commande::changerEspace); }},
@@ -27,13 +26,11 @@ TEST_F(ControleurTest, QuitterUnePageQuiLeDemandePasseParUneQuestionSurSaFenetre
         {"fermer popup", [&] { secondaire().demanderFermeture(); }}};
     // clang-format off
     // The user's action, whether the main page and the popup's ask to be confirmed, the answers
-    // given in turn; then the questions on the main window and on the popup, what left the main
-    // page, the screen after, whether the main window closed, the popups left.
+    // in turn; then the questions on the main window and on the popup, what left the main page,
+    // the screen after, whether the main window closed, the popups left.
     const std::tuple<const char*, bool, bool, const char*, std::size_t, std::size_t, const char*, Ecran, bool, std::size_t> table[] = {
         {"recharger", true, false, "R", 1, 0, "", Ecran::espace, false, 1},
-        {"recharger", true, false, "Q", 1, 0, "recharger", Ecran::espace, false, 1},
         {"precedente", true, true, "Q", 1, 0, "reculer", Ecran::espace, false, 1},
-        {"accueil", true, false, "R", 1, 0, "", Ecran::espace, false, 1},
         {"lien", true, false, "Q", 1, 0, "lien", Ecran::espace, false, 1},
         {"zoom", true, true, "", 0, 0, "", Ecran::espace, false, 1},
         {"espace", false, false, "", 0, 0, "essayerFermer", Ecran::configuration, false, 0},
@@ -55,18 +52,16 @@ TEST_F(ControleurTest, QuitterUnePageQuiLeDemandePasseParUneQuestionSurSaFenetre
         auto& vue = espaceCharge();
         popup(vue);
         fenetre().devant();
-        vue.departs.clear();
         vue.confirmation = principaleDemande;
         p.vues.back()->confirmation = popupDemande;
         actions.at(action)();
         for (const char* r = reponses; *r; ++r) {
             EXPECT_TRUE(repondre(fenetre(), *r) || repondre(secondaire(), *r)) << "asked";
         }
-        EXPECT_EQ(fenetre().feuilles.size(), questions);
-        EXPECT_EQ(secondaire().feuilles.size(), questionsPopup);
-        EXPECT_EQ(vue.departs.empty() ? "" : vue.departs.back(), parti);
-        EXPECT_EQ(std::tie(fenetre().ecran, fenetre().fermee), std::tie(ecran, fermee));
-        EXPECT_EQ(controleur->fenetresSecondaires().size(), popups);
+        EXPECT_EQ(std::tuple(fenetre().feuilles.size(), secondaire().feuilles.size(),
+                             vue.departs.empty() ? "" : vue.departs.back(), fenetre().ecran,
+                             fenetre().fermee, controleur->fenetresSecondaires().size()),
+                  std::tuple(questions, questionsPopup, std::string(parti), ecran, fermee, popups));
     }
 }
 
@@ -74,24 +69,19 @@ TEST_F(ControleurTest, UnePageNeDemandeQuUneFoisParActionDeLUtilisateur) {
     auto& vue = espaceCharge();
     vue.confirmation = true;
     std::optional<bool> quitte;
-    // clang-format off
-    // What happens; then the questions shown so far and what the page was last answered.
+    // What happens; then the questions shown so far and the page's last answer, if one came.
     const std::tuple<const char*, std::size_t, std::optional<bool>> etapes[] = {
-        {"recharger", 1, std::nullopt}, {"la page redemande", 1, false}, {"R", 1, std::nullopt},
-        {"la page redemande", 1, false}, {"clic", 1, std::nullopt},
-        {"la page redemande", 2, std::nullopt}, {"Q", 2, true}};
-    // clang-format on
+        {"recharger", 1, {}}, {"redemande", 1, false}, {"R", 1, {}},  {"redemande", 1, false},
+        {"clic", 1, {}},      {"redemande", 2, {}},    {"Q", 2, true}};
     for (const auto& [etape, questions, reponse] : etapes) {
         const std::string e = etape;
         if (e == "recharger") controleur->executer(Commande::recharger);
         if (e == "clic") controleur->activationUtilisateur();
-        if (e == "la page redemande") {
-            controleur->confirmationDepart(vue, [&](bool q) { quitte = q; });
-        }
+        if (e == "redemande") controleur->confirmationDepart(vue, [&](bool q) { quitte = q; });
         if (e.size() == 1) repondre(fenetre(), e[0]);
-        EXPECT_EQ(std::tuple(fenetre().feuilles.size(), quitte), std::tuple(questions, reponse))
+        EXPECT_EQ(std::tuple(fenetre().feuilles.size(), std::exchange(quitte, std::nullopt)),
+                  std::tuple(questions, reponse))
             << e;
-        quitte.reset();
     }
 }
 

@@ -510,14 +510,13 @@ const Enregistrement inscrits[] = {
 int main(int argc, char** argv) {
     using namespace brindex::e2e;
     if (argc < 2 || argc > 3 || !scenarios().contains(argv[1])) {
-        std::cerr << "usage: brindex_e2e <scenario> [launch]\n";
+        std::cerr << "usage: brindex_e2e <scenario> [relance]\n";
         for (const auto& [nom, s] : scenarios()) std::cerr << "  " << nom << "\n";
         return 2;
     }
     Scenario scenario = scenarios().at(argv[1]);
-    // Launched again: the next part runs, with nothing prepared.
-    const std::size_t lancement = argc == 3 ? std::stoul(argv[2]) : 0;
-    if (lancement > 0) scenario = {nullptr, scenario.relances.at(lancement - 1), scenario.relances};
+    // Launched again: what comes after runs, with nothing prepared.
+    if (argc == 3) scenario = {nullptr, scenario.relance};
     try {
         if (scenario.avant) scenario.avant();
     } catch (const Echec& e) {
@@ -550,11 +549,11 @@ int main(int argc, char** argv) {
     char ignore[] = "document-ignore.pdf";
     char* arguments[] = {argv[0], ignore, nullptr};
     application.executer(2, arguments);
-    if (contexte.statut == 0 && lancement < scenario.relances.size()) {
+    if (contexte.statut == 0 && scenario.relance) {
         // A new process, as a user's new launch: WebKit's processes end with this one.
-        const std::string suivant = std::to_string(lancement + 1);
-        char* relance[] = {argv[0], argv[1], const_cast<char*>(suivant.c_str()), nullptr};
-        execv(argv[0], relance);
+        char relance[] = "relance";
+        char* suite[] = {argv[0], argv[1], relance, nullptr};
+        execv(argv[0], suite);
         return 1;
     }
     if (contexte.statut == 0) std::cout << "scénario réussi : " << argv[1] << "\n";

@@ -24,14 +24,12 @@ QUITTER = page("Brouillon", """
 </script>""")
 
 # Files the page makes: saved on the user's click, never shown, never saved by a script alone.
-EXPORT = page("Export", """<section><button id="blob">Exporter</button>
-<button id="data">Tableau</button> <a id="voir" href="#">Voir l'export</a></section><script>
-const fichier = URL.createObjectURL(new Blob(["Exporté par la page\\n"], {type: "text/plain"}));
-function lien(href, nom) { const a = document.createElement("a"); a.href = href; a.download = nom;
-  document.body.append(a); a.click(); a.remove(); }
-blob.onclick = () => lien(fichier, "export.txt"); voir.href = fichier;
-data.onclick = () => lien("data:text/csv,a;b", "tableau.csv");
-addEventListener("load", () => lien(fichier, "automatique.txt"));</script>""")
+EXPORT = page("Export", """<button id="blob">Exporter</button> <button id="data">Tableau</button>
+<a id="voir">Voir</a><script>const f = URL.createObjectURL(new Blob(["Exporté par la page\\n"]));
+function lien(href, nom) { const a = document.body.appendChild(document.createElement("a"));
+  a.href = href; a.download = nom; a.click(); a.remove(); }
+blob.onclick = () => lien(f, "export.txt"); voir.href = f; onload = () => lien(f, "auto.txt");
+data.onclick = () => lien("data:text/csv,a;b", "tableau.csv");</script>""")
 
 CLICS = page("Clics de script", """
 <section><a id="a" href="%sa">a</a> <a id="m" href="mailto:x@brindex.example">m</a>
@@ -59,13 +57,13 @@ class EspaceHostile(espace_demo.Espace):
     def do_GET(self):
         adresse = urlsplit(self.path)
         parametres = {k: v[0] for k, v in parse_qs(adresse.query).items()}
-        if adresse.path in ("/hostile/quitter", "/hostile/export"):
-            self.noter()
-            self.repondre(200, QUITTER if adresse.path.endswith("quitter") else EXPORT)
-        elif adresse.path == "/hostile/biscuit":
+        if adresse.path == "/hostile/quitter":
             # A cookie for a year, beside the pages' session cookie.
             self.noter()
             self.repondre(200, QUITTER, entetes=[("Set-Cookie", "garde=1; Max-Age=31536000; Path=/")])
+        elif adresse.path == "/hostile/export":
+            self.noter()
+            self.repondre(200, EXPORT)
         elif adresse.path == "/hostile/cadres":
             self.noter()
             self.repondre(200, CADRES % self.server.server_address[1])

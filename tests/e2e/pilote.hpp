@@ -316,11 +316,11 @@ inline GtkWidget* alerte(gtk::ApplicationGtk& app, double secondes = 20) {
 // ---- Scenarios ----
 
 // One scenario: what to prepare before the application starts, then what to do once its
-// launch is over; then, in the same profile, what to do after each new launch, in turn.
+// launch is over; then, if any, what to do after the user launches it again (same profile).
 struct Scenario {
     std::function<void()> avant;
     std::function<void(gtk::ApplicationGtk&)> deroulement;
-    std::vector<std::function<void(gtk::ApplicationGtk&)>> relances = {};
+    std::function<void(gtk::ApplicationGtk&)> relance = nullptr;
 };
 
 inline std::map<std::string, Scenario>& scenarios() {

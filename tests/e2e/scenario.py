@@ -6,7 +6,6 @@ web, mail and folder URIs that only record what they were given (so no browser s
 test space is started on a free port; the scenario binary then runs under Xvfb with a private
 session bus, and finds everything it needs in BRINDEX_E2E_* variables.
 """
-import hashlib
 import os
 import random
 import shutil
@@ -19,6 +18,7 @@ import time
 ICI = os.path.dirname(os.path.abspath(__file__))
 RACINE = os.path.dirname(os.path.dirname(ICI))
 SERVEUR = os.path.join(ICI, "espace_hostile.py")
+WIKI = os.path.join(RACINE, "scripts", "wiki_reel.py")
 
 
 def preparer_profil(profil):
@@ -57,48 +57,6 @@ def preparer_profil(profil):
     return dossiers, telechargements, ouverts
 
 
-def port_libre():
-    with socket.socket() as s:
-        s.bind(("127.0.0.1", 0))
-        return s.getsockname()[1]
-
-
-def application(scenario, profil):
-    """The real web application a scenario is named after (Debian's DokuWiki, npm's
-    TiddlyWiki), served from a throw-away copy of its data: (process, address, data folder)."""
-    port, dossier = port_libre(), os.path.join(profil, "application")
-    if scenario.startswith("dokuwiki"):
-        conf = os.path.join(dossier, "conf")
-        for d in ["conf"] + ["donnees/" + d for d in ("pages", "attic", "meta", "media", "media_attic", "media_meta", "cache",
-                                                    "index", "locks", "tmp", "log")]:
-            os.makedirs(os.path.join(dossier, d))
-        fichiers = {"local.php": "<?php $conf['savedir'] = '%s/donnees'; $conf['lang'] = 'fr';"
-                    " $conf['useacl'] = 1; $conf['updatecheck'] = 0;" % dossier,
-                    "acl.auth.php": "* @ALL 1\n* @user 8\n",
-                    "plugins.local.php": "<?php $plugins['testing'] = 0;",
-                    "users.auth.php": "anne:%s:Anne:anne@example.org:user\n"
-                    % hashlib.md5(b"motdepasse").hexdigest(),
-                    "prealable.php": "<?php define('DOKU_CONF', '%s/');" % conf}
-        for nom, texte in fichiers.items():
-            with open(os.path.join(conf, nom), "w") as f:
-                f.write(texte)
-        commande = ["php", "-d", "auto_prepend_file=" + os.path.join(conf, "prealable.php"),
-                    "-S", "127.0.0.1:%d" % port, "-t", "/usr/share/dokuwiki"]
-    elif scenario.startswith("tiddlywiki"):
-        tw = [os.path.join(RACINE, "node_modules", "tiddlywiki", "tiddlywiki.js"), dossier]
-        subprocess.run(["node"] + tw + ["--init", "server"], check=True, stdout=subprocess.DEVNULL)
-        commande = ["node"] + tw + ["--listen", "host=127.0.0.1", "port=%d" % port]
-    else:
-        return None, None, None
-    processus = subprocess.Popen(commande, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    for _ in range(200):
-        with socket.socket() as s:
-            if s.connect_ex(("127.0.0.1", port)) == 0:
-                return processus, "http://127.0.0.1:%d/" % port, dossier
-        time.sleep(0.1)
-    sys.exit("%s did not start" % scenario)
-
-
 def main():
     if len(sys.argv) != 3:
         sys.exit("usage: scenario.py <brindex_e2e binary> <scenario>")
@@ -108,11 +66,18 @@ def main():
     try:
         dossiers, telechargements, ouverts = preparer_profil(profil)
         journal_serveur = os.path.join(profil, "requetes.jsonl")
-        libre = port_libre()
-        appli, adresse_appli, donnees_appli = application(scenario, profil)
+        with socket.socket() as s:
+            s.bind(("127.0.0.1", 0))
+            port_libre = s.getsockname()[1]
         serveur = subprocess.Popen(
             [sys.executable, SERVEUR, "--port", "0", "--journal", journal_serveur, "--lent", "3",
-             "--second", str(libre)], stdout=subprocess.PIPE, text=True)
+             "--second", str(port_libre)], stdout=subprocess.PIPE, text=True)
+        # A scenario named after a real wiki gets it, served from a throw-away copy.
+        wiki, donnees, adresse = scenario.split("-")[0], os.path.join(profil, "wiki"), ""
+        if wiki in ("dokuwiki", "tiddlywiki"):
+            appli = subprocess.Popen([sys.executable, WIKI, wiki, donnees], stdout=subprocess.PIPE,
+                                     text=True)
+            adresse = "http://127.0.0.1:%s/" % appli.stdout.readline().split()[1]
         premiere = serveur.stdout.readline().split()
         if len(premiere) != 2 or premiere[0] != "PORT":
             sys.exit("the test space did not start")
@@ -128,9 +93,9 @@ def main():
             "BRINDEX_E2E_OUVERTS": ouverts,
             "BRINDEX_E2E_TELECHARGEMENTS": telechargements,
             "BRINDEX_E2E_SERVEUR_PID": str(serveur.pid),
-            "BRINDEX_E2E_PORT_LIBRE": str(libre),
-            "BRINDEX_E2E_APPLICATION": adresse_appli or "",
-            "BRINDEX_E2E_DONNEES_APPLICATION": donnees_appli or "",
+            "BRINDEX_E2E_PORT_LIBRE": str(port_libre),
+            "BRINDEX_E2E_WIKI": adresse,
+            "BRINDEX_E2E_DONNEES_WIKI": donnees,
             "GTK_A11Y": "none",
             "NO_AT_BRIDGE": "1",
             "LANG": "C.UTF-8",

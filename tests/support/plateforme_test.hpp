@@ -44,23 +44,20 @@ struct TransportTest : TransportHttp {
 
 struct VueWebTest : VueWeb {
     explicit VueWebTest(bool avecConfiguration) : creeeAvecConfiguration(avecConfiguration) {}
-    void charger(const std::string& u, double d) override {
-        chargements.emplace_back(u, d);
-        if (moteur) moteur(*this, "charger");
-    }
+    void charger(const std::string& u, double d) override { chargements.emplace_back(u, d); }
     void arreter() override { actions.push_back("arreter"); }
     void recharger() override { agir("recharger"); }
     void rechargerOrigine() override { agir("rechargerOrigine"); }
     void reculer() override { agir("reculer"); }
     void avancer() override { agir("avancer"); }
     void essayerFermer() override { agir("essayerFermer"); }
-    // Leaving the page goes through the test's engine, if any.
+    // Leaving the page goes through the test's engine. The page asks to be confirmed before it
+    // is left; what left it, once agreed.
     void agir(const std::string& acte) {
         actions.push_back(acte);
         if (moteur) moteur(*this, acte);
     }
     std::function<void(VueWebTest&, const std::string&)> moteur;
-    // The page asks to be confirmed before it is left; what left it, once agreed.
     bool confirmation = false;
     std::vector<std::string> departs;
     double zoom() const override { return zoom_; }
@@ -120,9 +117,7 @@ struct FenetreTest : FenetrePrincipale {
     void oublierFermeture() override { vaFermer_ = retenue = nullptr; }
     void retenirFermeture(std::function<bool()> demande) override { retenue = std::move(demande); }
     // The user's press on the close button.
-    void demanderFermeture() {
-        if (!retenue || retenue()) fermer();
-    }
+    void demanderFermeture() { (!retenue || retenue()) ? fermer() : void(); }
     void fermer() override {
         if (fermee) return;
         fermee = true;
