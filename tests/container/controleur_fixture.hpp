@@ -28,8 +28,7 @@ class ControleurTest : public testing::Test {
                 if (quitter) vue.departs.push_back(acte);
                 if (quitter && acte == "essayerFermer") controleur->fermetureDemandee(vue);
             };
-            if (vue.confirmation) return controleur->confirmationDepart(vue, suite);
-            suite(true);
+            vue.confirmation ? controleur->confirmationDepart(vue, suite) : suite(true);
         };
         controleur = Controleur::creer(p);
     }

@@ -57,13 +57,10 @@ TEST_F(Navigation, PolitiqueDesActions) {
         {"https://video.example/embed", autre, sousCadre, false, false, {}, autoriser, nullptr, nullptr},
         {"https://espace.example/p", lienActive, aucun, false, false, {}, autoriser, nullptr, nullptr},
         {"https://ailleurs.example/", lienActive, aucun, false, true, {}, annuler, "https://ailleurs.example/", nullptr},
-        // Files the page made, saved when the user's link asks: the engine says so, or turns the
-        // link into a download by itself (its response, should one come, is refused).
+        // Files the page made, saved on the user's link: the engine says so, or makes it a download.
         {"blob:https://espace.example/3f2a", lienActive, principal, true, true, true, telecharger, nullptr, nullptr},
-        {"blob:https://espace.example/3f2a", lienActive, inconnu, false, true, true, autoriser, nullptr, nullptr},
-        {"data:text/csv,a;b", lienActive, sousCadre, true, true, {}, telecharger, nullptr, nullptr},
+        {"data:text/csv,a;b", lienActive, inconnu, false, true, {}, autoriser, nullptr, nullptr},
         {"blob:https://espace.example/3f2a", lienActive, principal, true, false, {}, annuler, nullptr, "navigation REFUSEE scheme=blob"},
-        {"data:text/csv,a;b", lienActive, principal, true, true, false, annuler, nullptr, "navigation REFUSEE scheme=data"},
         {"blob:https://ailleurs.example/3f2a", lienActive, principal, true, true, {}, annuler, nullptr, "navigation REFUSEE scheme=blob"},
         {"BLOB:https://espace.example/3f2a", autre, principal, true, true, {}, annuler, nullptr, "navigation REFUSEE scheme=blob"}};
     // clang-format on

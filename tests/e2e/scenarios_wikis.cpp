@@ -20,30 +20,49 @@ void question(ApplicationGtk& app, GtkWindow* fenetre, const char* touche = null
     attendre([&] { return f == nullptr; }, 10, "question répondue");
 }
 
+// The user's command, then the question it brings, answered.
+void commande(ApplicationGtk& app, const char* combinaison, const char* reponse = nullptr) {
+    touches(principale(app), combinaison);
+    question(app, principale(app), reponse);
+}
+
 void aller(WebKitWebView* vue, const std::string& base, const std::string& chemin) {
-    script(vue, "location.href = '" + chemin + "'; 'ok'");
+    script(vue, "location.href = '" + base + chemin + "'; 'ok'");
     attendreJournal("navigation OK " + base + chemin, compter(journal(), base + chemin) + 1);
 }
 
-// Until the page's script gives true.
 void quand(WebKitWebView* vue, const std::string& js) {
     attendre([&] { return script(vue, js) == "true"; }, 20, js);
 }
 
+void fin(ApplicationGtk& app) {
+    attendre([&] { return fenetresVisibles(app).empty(); }, 20, "l'application finie");
+}
+
 void departs(ApplicationGtk& app) {
+    const std::string dossier = variable("BRINDEX_E2E_TELECHARGEMENTS") + "/";
     WebKitWebView* vue = attendreEspace(app);
+    // Files the page makes: saved on the user's click; the page's own attempt without the user,
+    // and showing the file, are refused.
+    aller(vue, espace(), "hostile/export");
+    for (const char* bouton : {"#blob", "#data", "#voir"}) cliquerDans(vue, bouton);
+    attendreJournal("navigation REFUSEE scheme=blob", 2);
+    attendreJournal("telechargement OK tableau.csv");
+    verifier(lireFichier(dossier + "export.txt") == "Exporté par la page\n" &&
+                 lireFichier(dossier + "tableau.csv") == "a;b" &&
+                 !g_file_test((dossier + "auto.txt").c_str(), G_FILE_TEST_EXISTS) &&
+                 webkit_web_view_get_uri(vue) == espace() + "hostile/export",
+             "les fichiers de la page enregistrés, la page reste");
     aller(vue, espace(), "hostile/quitter");
     cliquerDans(vue, "#texte");
-    // Reload, a change of space and history ask first: Return and Escape stay, the last leaves.
-    for (const auto& [commande, reponse] : {std::pair("ctrl+r", "Return"),
-                                            {"ctrl+shift+k", "Escape"},
-                                            {"ctrl+bracketleft", nullptr}}) {
-        touches(principale(app), commande);
-        // Quitting while the page's question is open waits for its answer.
-        if (reponse) touches(principale(app), "ctrl+q");
-        question(app, principale(app), reponse);
+    // Reload and a change of space ask first, Return and Escape stay; quitting meanwhile waits for
+    // the answer. History asks too, and "Quitter la page" leaves.
+    for (const char* touche : {"ctrl+r", "ctrl+shift+k"}) {
+        touches(principale(app), touche);
+        commande(app, "ctrl+q", touche[5] == 'r' ? "Return" : "Escape");
     }
-    attendre([&] { return webkit_web_view_get_uri(vue) == espace(); }, 10, "page précédente");
+    commande(app, "ctrl+bracketleft");
+    attendre([&] { return contient(webkit_web_view_get_uri(vue), "export"); }, 10, "précédente");
     verifier(compter(journal(), "hostile/quitter") == 1, "jamais rechargée");
     // Quitting asks each page in turn; staying on one keeps everything.
     aller(vue, espace(), "hostile/quitter");
@@ -54,38 +73,10 @@ void departs(ApplicationGtk& app) {
     cliquerDans(vueWebDe(GTK_WIDGET(pop)), "#texte");
     for (const char* reponse : {"Return", static_cast<const char*>(nullptr)}) {
         verifier(fenetresVisibles(app).size() == 2, "rien n'est fermé");
-        touches(principale(app), "ctrl+q");
-        question(app, principale(app));
+        commande(app, "ctrl+q");
         question(app, pop, reponse);
     }
-    attendre([&] { return fenetresVisibles(app).empty(); }, 20, "l'application finie");
-}
-
-// The page's cookie for a year survives the quit, the session's doesn't.
-void departsRelance(ApplicationGtk&) {
-    attendre(
-        [] {
-            return std::ranges::any_of(requetes(), [](const std::string& l) {
-                return contient(l, "\"path\": \"/\",") && contient(l, "garde=1") &&
-                       !contient(l, "session=");
-            });
-        },
-        20, "l'espace demandé avec le seul cookie gardé");
-}
-
-void exports(ApplicationGtk& app) {
-    const std::string dossier = variable("BRINDEX_E2E_TELECHARGEMENTS") + "/";
-    WebKitWebView* vue = attendreEspace(app);
-    // The page's own attempt, without the user, is refused; so is showing the file.
-    aller(vue, espace(), "hostile/export");
-    for (const char* bouton : {"#blob", "#data", "#voir"}) cliquerDans(vue, bouton);
-    attendreJournal("navigation REFUSEE scheme=blob", 2);
-    attendreJournal("telechargement OK tableau.csv");
-    verifier(lireFichier(dossier + "export.txt") == "Exporté par la page\n" &&
-                 lireFichier(dossier + "tableau.csv") == "a;b" &&
-                 !g_file_test((dossier + "auto.txt").c_str(), G_FILE_TEST_EXISTS) &&
-                 webkit_web_view_get_uri(vue) == espace() + "hostile/export",
-             "les fichiers de la page enregistrés, la page reste");
+    fin(app);
 }
 
 // é è à ç ù typed directly, ê and ï through the dead keys.
@@ -100,17 +91,6 @@ void dokuwiki(ApplicationGtk& app) {
     // Once connected: the X server resets its keyboard when its last client leaves.
     verifier(g_spawn_command_line_sync("setxkbmap fr", nullptr, nullptr, nullptr, nullptr), "fr");
     const std::string wiki = variable("BRINDEX_E2E_WIKI");
-    GtkWidget* champ = exiger(app, "champ");
-    attendre([&] { return !gtk_spinner_get_spinning(GTK_SPINNER(exiger(app, "roue"))); }, 40,
-             "fin de la recherche");
-    cliquerWidget(champ);
-    accents(app);
-    verifier(texte(champ) == "éèàçùêï", texte(champ));
-    // Not a Brindex space: kept all the same.
-    gtk_editable_set_text(GTK_EDITABLE(champ), wiki.c_str());
-    touches(principale(app), "Return");
-    attendre([&] { return gtk_widget_get_visible(exiger(app, "boutonForcer")); }, 20, "forcer");
-    cliquer(exiger(app, "boutonForcer"));
     WebKitWebView* vue = attendreEspace(app, wiki);
     // Signed in, remembered; keys only, since WebKit lets a click overtake keys it still queues.
     aller(vue, wiki, "doku.php?id=essai&do=login");
@@ -119,26 +99,31 @@ void dokuwiki(ApplicationGtk& app) {
         touches(principale(app), t);
     }
     quand(vue, connectee);
-    // The editor: reloading asks, the text stays and is saved as typed; then quitting asks.
+    // The editor: reloading asks, the text stays and is saved as typed.
     aller(vue, wiki, "doku.php?id=essai&do=edit");
     cliquerDans(vue, "#wiki__text");
     accents(app);
     quand(vue, "wiki__text.value == 'éèàçùêï'");
-    touches(principale(app), "ctrl+r");
-    question(app, principale(app), "Return");
+    commande(app, "ctrl+r", "Return");
     quand(vue, "wiki__text.value == 'éèàçùêï'");
     cliquerDans(vue, "#edbtn__save");
     const std::string page = variable("BRINDEX_E2E_DONNEES_WIKI") + "/donnees/pages/essai.txt";
     attendre([&] { return lireFichier(page) == "éèàçùêï"; }, 20, "page enregistrée");
+    // New edits: quitting asks and stays, a change of space asks and leaves.
     aller(vue, wiki, "doku.php?id=essai&do=edit");
     cliquerDans(vue, "#wiki__text");
     touches(principale(app), "type encore");
     quand(vue, "wiki__text.value.includes('encore')");
-    for (const char* reponse : {"Escape", static_cast<const char*>(nullptr)}) {
-        touches(principale(app), "ctrl+q");
-        question(app, principale(app), reponse);
-    }
-    attendre([&] { return fenetresVisibles(app).empty(); }, 20, "l'application finie");
+    commande(app, "ctrl+q", "Escape");
+    commande(app, "ctrl+shift+k");
+    // The address field takes the same keys.
+    GtkWidget* champ = exiger(app, "champ");
+    cliquerWidget(champ);
+    touches(principale(app), "ctrl+a");
+    accents(app);
+    verifier(texte(champ) == "éèàçùêï", texte(champ));
+    touches(principale(app), "ctrl+q");
+    fin(app);
 }
 
 // TiddlyWiki exports a tiddler through a file it builds in the page.
@@ -152,20 +137,26 @@ void tiddlywiki(ApplicationGtk& app) {
     }
     attendreJournal("telechargement OK ");
     const std::string ligne = lignes(Journal::chemin()).back();
-    const std::string nom = ligne.substr(ligne.find(" OK ") + 4);
-    verifier(contient(lireFichier(variable("BRINDEX_E2E_TELECHARGEMENTS") + "/" + nom), "title"),
-             ligne);
+    const std::string fichier = ligne.substr(ligne.find(" OK ") + 4);
+    verifier(
+        contient(lireFichier(variable("BRINDEX_E2E_TELECHARGEMENTS") + "/" + fichier), "title"),
+        ligne);
+}
+
+void wikiStocke() {
+    stockerAdresse(variable("BRINDEX_E2E_WIKI"));
 }
 
 const Enregistrement inscrits[] = {
-    {"departs", {espaceStocke, departs, departsRelance}},
-    {"exports", {espaceStocke, exports}},
-    {"dokuwiki",
-     {nullptr, dokuwiki,
-      [](ApplicationGtk& app) {
-          quand(attendreEspace(app, variable("BRINDEX_E2E_WIKI")), connectee);
+    // After a quit: the page's cookie for a year is sent, the session's is gone.
+    {"departs",
+     {espaceStocke, departs,
+      [](ApplicationGtk&) {
+          attendre([] { return requeteVue("/", "\"cookie\": \"garde=1\"}"); }, 20, "cookie");
       }}},
-    {"tiddlywiki", {[] { stockerAdresse(variable("BRINDEX_E2E_WIKI")); }, tiddlywiki}},
+    {"dokuwiki",
+     {wikiStocke, dokuwiki, [](ApplicationGtk& app) { quand(vueWebPrincipale(app), connectee); }}},
+    {"tiddlywiki", {wikiStocke, tiddlywiki}},
 };
 
 }  // namespace
