@@ -162,7 +162,7 @@ struct FenetreTest : FenetrePrincipale {
     std::shared_ptr<VueErreur> erreur;
     std::vector<Alerte> feuilles;
     // What each sheet runs when it closes, in the order they were shown.
-    std::vector<std::function<void(ReponseAlerte)>> reponsesEnAttente;
+    std::deque<std::function<void(ReponseAlerte)>> reponsesEnAttente;
 };
 
 struct PlateformeTest : Plateforme, Temoin {

@@ -26,6 +26,9 @@ Ref<WebKitNetworkSession> sessionPersistante() {
     webkit_cookie_manager_set_persistent_storage(
         webkit_network_session_get_cookie_manager(session.get()), biscuits,
         WEBKIT_COOKIE_PERSISTENT_STORAGE_SQLITE);
+    // Nothing but the user removes site data: no tracking prevention purging the cookies of a
+    // sign-in site the user hasn't visited for a while.
+    webkit_network_session_set_itp_enabled(session.get(), FALSE);
     g_free(biscuits);
     g_free(cache);
     g_free(donnees);
