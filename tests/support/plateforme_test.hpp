@@ -65,9 +65,10 @@ struct VueWebTest : VueWeb {
     std::optional<std::string> url() const override { return urlCourante; }
     std::optional<std::string> titre() const override { return titreCourant; }
     double progression() const override { return progressionCourante; }
+    bool aUnePageARecharger() const override { return pageCourante; }
     void detacher() override { detachee = true; }
 
-    bool creeeAvecConfiguration, detachee = false;
+    bool creeeAvecConfiguration, detachee = false, pageCourante = false;
     std::vector<std::pair<std::string, double>> chargements;
     std::vector<std::string> actions;
     std::optional<std::string> urlCourante, titreCourant;
