@@ -134,12 +134,7 @@ void tiddlywiki(ApplicationGtk& app) {
         quand(vue, "!!document.querySelector('" + bouton + "')");
         cliquerDans(vue, bouton);
     }
-    attendreJournal("telechargement OK ");
-    const std::string ligne = lignes(Journal::chemin()).back();
-    const std::string fichier = ligne.substr(ligne.find(" OK ") + 4);
-    verifier(
-        contient(lireFichier(variable("BRINDEX_E2E_TELECHARGEMENTS") + "/" + fichier), "title"),
-        ligne);
+    attendreJournal("telechargement OK GettingStarted.");
 }
 
 void wikiStocke() {
