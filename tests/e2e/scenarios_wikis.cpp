@@ -117,6 +117,8 @@ void dokuwiki(ApplicationGtk& app) {
     commande(app, "ctrl+shift+k");
     // The address field takes the same keys.
     GtkWidget* champ = exiger(app, "champ");
+    attendre([&] { return gtk_widget_get_mapped(champ) && gtk_widget_get_width(champ) > 0; }, 10,
+             "le champ affiché");
     cliquerWidget(champ);
     touches(principale(app), "ctrl+a");
     accents(app);
