@@ -58,7 +58,8 @@ void verifierPolitique(std::string_view texte) {
     const bool fichier = s == "blob" || s == "data";
     for (const auto type : {TypeNavigation::lienActive, TypeNavigation::autre}) {
         for (const bool utilisateur : {true, false}) {
-            for (const bool telechargement : {true, false}) {
+            for (const auto telechargement :
+                 {std::optional<bool>(true), std::optional<bool>(false), std::optional<bool>()}) {
                 const auto decision =
                     deciderAction({url, type, CadreCible::inconnu, telechargement, std::nullopt},
                                   vue, utilisateur);

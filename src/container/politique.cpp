@@ -10,13 +10,16 @@ const std::string ligneExterneRefusee = "navigation externe automatique REFUSEE 
 const std::string ligneSchemeRefuse = "navigation REFUSEE scheme=";
 
 DecisionAction etapeFinale(const ActionNavigation& action) {
-    return {action.telechargementDemande ? Politique::telecharger : Politique::autoriser, {}, {}};
+    return {action.telechargementDemande == true ? Politique::telecharger : Politique::autoriser,
+            {},
+            {}};
 }
 
 // A file the page made itself and the user's link asks to save: a blob: of the view's own origin
 // (what the page holds, not another site's), or a data: URL. Saved, never shown: an engine that
-// says the link asks for a download gets that answer; one that doesn't say turns such a link into
-// a download by itself, and a response that comes instead (a plain navigation) is refused.
+// says the link asks for a download gets that answer, one that says it doesn't is refused; one
+// that doesn't say turns such a link into a download by itself, and a response that comes instead
+// (a plain navigation) is refused.
 std::optional<DecisionAction> fichierDeLaPage(const ActionNavigation& action,
                                               const std::string& scheme,
                                               const std::optional<Origine>& origineVue,
@@ -24,9 +27,8 @@ std::optional<DecisionAction> fichierDeLaPage(const ActionNavigation& action,
     if (action.type != TypeNavigation::lienActive || !parUtilisateur) return std::nullopt;
     const bool duSite = scheme == "blob" && origineVue &&
                         Origine::depuis(std::string_view(*action.url).substr(5)) == origineVue;
-    if (scheme != "data" && !duSite) return std::nullopt;
-    return DecisionAction{
-        action.telechargementDemande ? Politique::telecharger : Politique::autoriser, {}, {}};
+    if ((scheme != "data" && !duSite) || action.telechargementDemande == false) return std::nullopt;
+    return etapeFinale(action);
 }
 
 }  // namespace
@@ -52,7 +54,9 @@ DecisionAction deciderAction(const ActionNavigation& action,
         if (auto fichier = fichierDeLaPage(action, scheme, origineVue, parUtilisateur)) {
             return *fichier;
         }
-        return {Politique::annuler, {{}, ligneSchemeRefuse + scheme}, {}};
+        DecisionAction refus{Politique::annuler, {{}, ligneSchemeRefuse + scheme}, {}};
+        if (lienClique) refus.lienApplication = *action.url;
+        return refus;
     }
     // Embedded frames may show any site; only what fills the view is held to its origin.
     if (action.cible == CadreCible::sousCadre) return etapeFinale(action);

@@ -3,11 +3,13 @@
 // An in-memory platform that records what the core asks of it and lets a test play the web
 // engine and the user.
 
+#include <cctype>
 #include <deque>
 #include <filesystem>
 #include <map>
 
 #include "container/ports.hpp"
+#include "container/recherche.hpp"
 
 namespace brindex::test {
 
@@ -67,10 +69,21 @@ struct VueWebTest : VueWeb {
     double progression() const override { return progressionCourante; }
     bool aUnePageARecharger() const override { return pageCourante; }
     void detacher() override { detachee = true; }
+    void chercher(const std::string& t, SensRecherche s) override { recherches.emplace_back(t, s); }
+    void finirRecherche() override { actions.push_back("finirRecherche"); }
+    void focaliser() override { actions.push_back("focaliser"); }
+    void imprimer(const std::string& f, std::function<void()> ferme) override {
+        fichiersImpression.push_back(f);
+        impressions.push_back(std::move(ferme));
+    }
 
     bool creeeAvecConfiguration, detachee = false, pageCourante = false;
     std::vector<std::pair<std::string, double>> chargements;
     std::vector<std::string> actions;
+    std::vector<std::pair<std::string, SensRecherche>> recherches;
+    // What each print dialog shown runs when it closes.
+    std::vector<std::function<void()>> impressions;
+    std::vector<std::string> fichiersImpression;
     std::optional<std::string> urlCourante, titreCourant;
     double progressionCourante = 0, zoom_ = 1.0;
 };
@@ -130,6 +143,7 @@ struct FenetreTest : FenetrePrincipale {
         feuilles.push_back(a);
         reponsesEnAttente.push_back(std::move(reponse));
     }
+    void attacherRecherche(std::shared_ptr<RechercheDansPage> r) override { recherche = r; }
     void montrerConfiguration(std::shared_ptr<VueConfiguration> vue) override {
         montrer(Ecran::configuration, "ecran configuration");
         (configuration = std::move(vue))->attacher(controles = ControlesTest{});
@@ -162,6 +176,7 @@ struct FenetreTest : FenetrePrincipale {
     ControlesTest controles;
     std::shared_ptr<VueErreur> erreur;
     std::vector<Alerte> feuilles;
+    std::shared_ptr<RechercheDansPage> recherche;
     // What each sheet runs when it closes, in the order they were shown.
     std::deque<std::function<void(ReponseAlerte)>> reponsesEnAttente;
 };
@@ -189,6 +204,12 @@ struct PlateformeTest : Plateforme, Temoin {
         return fenetre;
     }
     void ouvrirUrl(const std::string& url) override { urlsOuvertes.push_back(url); }
+    std::optional<std::string> applicationPour(const std::string& url) override {
+        std::string scheme = url.substr(0, url.find(':'));
+        for (char& c : scheme) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        const auto a = applications.find(scheme);
+        return a == applications.end() ? std::nullopt : std::optional(a->second);
+    }
     void reveler(const std::string& chemin) override { reveles.push_back(chemin); }
     void alerte(const Alerte& a, std::function<void(ReponseAlerte)> reponse) override {
         alertes.push_back(a);
@@ -220,6 +241,8 @@ struct PlateformeTest : Plateforme, Temoin {
     std::vector<std::shared_ptr<VueWebTest>> vues;
     std::function<void(VueWebTest&, const std::string&)> moteur;
     std::vector<std::string> urlsOuvertes, reveles;
+    // The system's application for each scheme.
+    std::map<std::string, std::string> applications;
     std::vector<Alerte> alertes;
     // Answers to the next alerts and file choices; one without stays unanswered.
     std::deque<ReponseAlerte> reponsesAlertes;

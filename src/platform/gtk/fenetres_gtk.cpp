@@ -124,6 +124,11 @@ void FenetreGtk<Interface>::feuille(const Alerte& alerte,
     montrerAlerte(fenetre(), alerte, std::move(reponse), Modalite::feuille);
 }
 
+template <typename Interface>
+void FenetreGtk<Interface>::attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) {
+    recherche_ = std::make_unique<BarreRechercheGtk>(bandeau(), std::move(recherche));
+}
+
 template class FenetreGtk<FenetrePrincipale>;
 template class FenetreGtk<Fenetre>;
 

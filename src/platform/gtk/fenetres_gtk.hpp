@@ -9,6 +9,7 @@
 #include "container/ports.hpp"
 #include "ecrans_gtk.hpp"
 #include "outils_gtk.hpp"
+#include "recherche_gtk.hpp"
 #include "vue_web_gtk.hpp"
 
 namespace brindex::gtk {
@@ -39,6 +40,7 @@ class FenetreGtk : public Interface {
     void fermer() override;
     using Interface::feuille;
     void feuille(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) override;
+    void attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) override;
 
   protected:
     // Runs before the window goes, whoever closes it.
@@ -49,6 +51,7 @@ class FenetreGtk : public Interface {
 
     Ref<GtkWidget> fenetre_;
     Ref<GtkWidget> bandeau_;
+    std::unique_ptr<BarreRechercheGtk> recherche_;
     std::function<void()> vaFermer_;
     std::function<bool()> retenue_;
     bool detruite_ = false;

@@ -3,7 +3,9 @@
 #include <filesystem>
 #include <system_error>
 
+#include "container/regles.hpp"
 #include "dialogues_gtk.hpp"
+#include "log/journal.hpp"
 #include "services_gtk.hpp"
 #include "vue_web_gtk.hpp"
 
@@ -43,6 +45,7 @@ PlateformeGtk::PlateformeGtk(GtkApplication* application)
       reglages_(ReglagesGtk::parDefaut()) {
     // Every download of every view goes through the one persistent session.
     g_signal_connect(session_.get(), "download-started", G_CALLBACK(surTelechargement), this);
+    Journal::ecrire(ligneOrthographe(activerOrthographe(languesOrthographe(nomsLocale()))));
 }
 
 PlateformeGtk::~PlateformeGtk() {
@@ -81,6 +84,10 @@ std::shared_ptr<Fenetre> PlateformeGtk::creerFenetreSecondaire(const ParametresF
 
 void PlateformeGtk::ouvrirUrl(const std::string& url) {
     ouvrirUriParDefaut(url);
+}
+
+std::optional<std::string> PlateformeGtk::applicationPour(const std::string& url) {
+    return applicationPourUri(url);
 }
 
 void PlateformeGtk::reveler(const std::string& chemin) {

@@ -50,6 +50,10 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     bool aUnePageARecharger() const override;
     void detacher() override;
     void essayerFermer() override;
+    void chercher(const std::string& texte, SensRecherche sens) override;
+    void finirRecherche() override;
+    void focaliser() override;
+    void imprimer(const std::string& fichierPdf, std::function<void()> ferme) override;
 
     // The page is ready to be shown in its window (popups only).
     std::function<void()> pretAAfficher;
@@ -73,6 +77,9 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     static gboolean surDelaiDepasse(gpointer);
     static void surFinProcessus(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer);
     static gboolean surEntree(GtkEventControllerLegacy*, GdkEvent*, gpointer);
+    static gboolean surImpression(WebKitWebView*, WebKitPrintOperation*, gpointer);
+    static void surTrouve(WebKitFindController*, guint nombre, gpointer);
+    static void surIntrouvable(WebKitFindController*, gpointer);
     void annulerDelai();
     // A failed load, reported once with the address that failed.
     void echouer(ErreurChargement erreur, const char* url);
