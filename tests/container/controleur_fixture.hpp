@@ -22,7 +22,7 @@ class ControleurTest : public testing::Test {
         std::filesystem::remove_all(dossier);
         std::filesystem::create_directories(dossier);
         Journal::definirChemin((dossier / "Brindex.log").string());
-        // The engine asks before a page that wants it is left, and reports a close agreed.
+        // The engine: asks first where the page wants it, reports a close agreed, notes departures.
         p.moteur = [this](VueWebTest& vue, const std::string& acte) {
             const auto suite = [this, &vue, acte](bool quitter) {
                 if (quitter) vue.departs.push_back(acte);

@@ -17,7 +17,6 @@ TEST_F(ControleurTest, QuitterUnePageQuiLeDemandePasseParUneQuestionSurSaFenetre
     const std::map<std::string, std::function<void()>> actions = {
         {"recharger", [&] { controleur->executer(Commande::recharger); }},
         {"precedente", [&] { controleur->executer(Commande::pagePrecedente); }},
-        {"lien", [&] { controleur->activationUtilisateur(), principale().agir("lien"); }},
         {"zoom", [&] { controleur->executer(Commande::zoomPlus); }},
         {"espace", [&] { controleur->executer(Commande::changerEspace); }},
         {"fermer", [&] { fenetre().demanderFermeture(); }},
@@ -34,7 +33,6 @@ TEST_F(ControleurTest, QuitterUnePageQuiLeDemandePasseParUneQuestionSurSaFenetre
     const std::tuple<bool, bool, const char*, std::size_t, std::size_t, const char*, Ecran, bool, std::size_t> table[] = {
         {true, false, "recharger R", 1, 0, "", Ecran::espace, false, 1},
         {true, true, "precedente Q", 1, 0, "reculer", Ecran::espace, false, 1},
-        {true, false, "lien Q", 1, 0, "lien", Ecran::espace, false, 1},
         {true, true, "zoom", 0, 0, "", Ecran::espace, false, 1},
         {false, false, "espace", 0, 0, "essayerFermer", Ecran::configuration, false, 0},
         {true, true, "espace Q R", 1, 1, "essayerFermer", Ecran::espace, false, 1},
@@ -49,7 +47,6 @@ TEST_F(ControleurTest, QuitterUnePageQuiLeDemandePasseParUneQuestionSurSaFenetre
     // clang-format on
     for (const auto& [principaleDemande, popupDemande, etapes, questions, questionsPopup, parti,
                       ecran, fermee, popups] : table) {
-        SCOPED_TRACE(etapes);
         p.principales.clear();
         p.secondaires.clear();
         controleur = Controleur::creer(p);
@@ -63,7 +60,8 @@ TEST_F(ControleurTest, QuitterUnePageQuiLeDemandePasseParUneQuestionSurSaFenetre
         EXPECT_EQ(std::tuple(fenetre().feuilles.size(), secondaire().feuilles.size(),
                              vue.departs.empty() ? "" : vue.departs.back(), fenetre().ecran,
                              fenetre().fermee, controleur->fenetresSecondaires().size()),
-                  std::tuple(questions, questionsPopup, std::string(parti), ecran, fermee, popups));
+                  std::tuple(questions, questionsPopup, std::string(parti), ecran, fermee, popups))
+            << etapes;
     }
 }
 

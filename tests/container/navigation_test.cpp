@@ -121,7 +121,6 @@ TEST_F(Navigation, PolitiqueDesReponses) {
         {{true, "Attachment; filename=x.pdf", true}, telecharger}, {{true, "inline; filename=\"attachment.pdf\"", true}, telecharger},
         {{true, "inline", true}, autoriser}, {{true, std::nullopt, true}, autoriser},
         {{true, std::nullopt, false}, telecharger}, {{false, "attachment", true}, autoriser},
-        {{false, std::nullopt, true, "blob:https://espace.example/3f2a", false}, annuler},
         {{true, std::nullopt, true, "data:text/html,x"}, annuler}};
     // clang-format on
     for (const auto& [reponse, attendue] : reponses) {

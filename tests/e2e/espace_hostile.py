@@ -70,13 +70,12 @@ class EspaceHostile(espace_demo.Espace):
     def do_GET(self):
         adresse = urlsplit(self.path)
         parametres = {k: v[0] for k, v in parse_qs(adresse.query).items()}
-        if adresse.path == "/hostile/quitter":
-            # A cookie for a year, beside the pages' session cookie.
+        if adresse.path in ("/hostile/quitter", "/hostile/export"):
+            # The draft sets a cookie for a year, beside the pages' session cookie.
             self.noter()
-            self.repondre(200, QUITTER, entetes=[("Set-Cookie", "garde=1; Max-Age=31536000; Path=/")])
-        elif adresse.path == "/hostile/export":
-            self.noter()
-            self.repondre(200, EXPORT)
+            brouillon = "quitter" in adresse.path
+            self.repondre(200, QUITTER if brouillon else EXPORT, entetes=[
+                ("Set-Cookie", "garde=1; Max-Age=31536000; Path=/")] if brouillon else [])
         elif adresse.path == "/hostile/cadres":
             self.noter()
             self.repondre(200, CADRES % self.server.server_address[1])

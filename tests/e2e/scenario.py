@@ -18,7 +18,6 @@ import time
 ICI = os.path.dirname(os.path.abspath(__file__))
 RACINE = os.path.dirname(os.path.dirname(ICI))
 SERVEUR = os.path.join(ICI, "espace_hostile.py")
-WIKI = os.path.join(RACINE, "scripts", "wiki_reel.py")
 
 
 def preparer_profil(profil):
@@ -76,8 +75,8 @@ def main():
         # A scenario named after a real wiki gets it, served from a throw-away copy.
         wiki, donnees, adresse = scenario.split("-")[0], os.path.join(profil, "wiki"), ""
         if wiki in ("dokuwiki", "tiddlywiki"):
-            appli = subprocess.Popen([sys.executable, WIKI, wiki, donnees], stdout=subprocess.PIPE,
-                                     text=True)
+            appli = subprocess.Popen([sys.executable, os.path.join(RACINE, "scripts", "wiki_reel.py"),
+                                      wiki, donnees], stdout=subprocess.PIPE, text=True)
             adresse = "http://127.0.0.1:%s/" % appli.stdout.readline().split()[1]
         premiere = serveur.stdout.readline().split()
         if len(premiere) != 2 or premiere[0] != "PORT":
@@ -96,7 +95,6 @@ def main():
             "BRINDEX_E2E_SERVEUR_PID": str(serveur.pid),
             "BRINDEX_E2E_PORT_LIBRE": str(port_libre),
             "BRINDEX_E2E_WIKI": adresse,
-            "BRINDEX_E2E_DONNEES_WIKI": donnees,
             "GTK_A11Y": "none",
             "NO_AT_BRIDGE": "1",
             "LANG": "C.UTF-8",
@@ -110,10 +108,9 @@ def main():
         print("scenario %s: %.1f s" % (scenario, time.time() - debut))
         sys.exit(resultat.returncode)
     finally:
-        for processus in (serveur, appli):
-            if processus:
-                processus.terminate()
-                processus.wait()
+        for processus in filter(None, (serveur, appli)):
+            processus.terminate()
+            processus.wait()
         if os.environ.get("BRINDEX_E2E_GARDER"):
             print("profile kept in", profil)
         else:

@@ -8,8 +8,12 @@ namespace {
 
 using gtk::ApplicationGtk;
 
-// The question before a page is left, on its window: answered by a key, or "Quitter la page".
-void question(ApplicationGtk& app, GtkWindow* fenetre, const char* touche = nullptr) {
+// The user's command, if any, then the question before a page is left, on its window (the main
+// one unless said): answered by a key, or "Quitter la page".
+void question(ApplicationGtk& app, const char* commande, const char* touche = nullptr,
+              GtkWindow* fenetre = nullptr) {
+    fenetre = fenetre ? fenetre : principale(app);
+    if (commande) touches(principale(app), commande);
     GtkWidget* f = alerte(app);
     verifier(texte(chercher(f, "titre-alerte")) == "Quitter cette page ?" &&
                  gtk_window_get_transient_for(GTK_WINDOW(f)) == fenetre,
@@ -20,12 +24,6 @@ void question(ApplicationGtk& app, GtkWindow* fenetre, const char* touche = null
     attendre([&] { return f == nullptr; }, 10, "question répondue");
 }
 
-// The user's command, then the question it brings, answered.
-void commande(ApplicationGtk& app, const char* combinaison, const char* reponse = nullptr) {
-    touches(principale(app), combinaison);
-    question(app, principale(app), reponse);
-}
-
 void aller(WebKitWebView* vue, const std::string& base, const std::string& chemin) {
     script(vue, "location.href = '" + base + chemin + "'; 'ok'");
     attendreJournal("navigation OK " + base + chemin, compter(journal(), base + chemin) + 1);
@@ -33,10 +31,6 @@ void aller(WebKitWebView* vue, const std::string& base, const std::string& chemi
 
 void quand(WebKitWebView* vue, const std::string& js) {
     attendre([&] { return script(vue, js) == "true"; }, 20, js);
-}
-
-void fin(ApplicationGtk& app) {
-    attendre([&] { return fenetresVisibles(app).empty(); }, 20, "l'application finie");
 }
 
 void departs(ApplicationGtk& app) {
@@ -58,32 +52,27 @@ void departs(ApplicationGtk& app) {
     // the answer. History asks too, and "Quitter la page" leaves.
     for (const char* touche : {"ctrl+r", "ctrl+shift+k"}) {
         touches(principale(app), touche);
-        commande(app, "ctrl+q", touche[5] == 'r' ? "Return" : "Escape");
+        question(app, "ctrl+q", touche[5] == 'r' ? "Return" : "Escape");
     }
-    commande(app, "ctrl+bracketleft");
+    question(app, "ctrl+bracketleft");
     attendre([&] { return contient(webkit_web_view_get_uri(vue), "export"); }, 10, "précédente");
     verifier(compter(journal(), "hostile/quitter") == 1, "jamais rechargée");
     // Quitting asks each page in turn; staying on one keeps everything.
     aller(vue, espace(), "hostile/quitter");
     cliquerDans(vue, "#fenetre");
-    attendre([&] { return fenetresVisibles(app).size() == 2; }, 20, "fenêtre secondaire");
     attendreJournal("navigation OK " + espace() + "hostile/quitter", 3);
     GtkWindow* pop = fenetresVisibles(app)[fenetresVisibles(app)[0] == principale(app) ? 1 : 0];
     cliquerDans(vueWebDe(GTK_WIDGET(pop)), "#texte");
     for (const char* reponse : {"Return", static_cast<const char*>(nullptr)}) {
         verifier(fenetresVisibles(app).size() == 2, "rien n'est fermé");
-        commande(app, "ctrl+q");
-        question(app, pop, reponse);
+        question(app, "ctrl+q");
+        question(app, nullptr, reponse, pop);
     }
-    fin(app);
+    attendre([&] { return fenetresVisibles(app).empty(); }, 20, "l'application finie");
 }
 
 // é è à ç ù typed directly, ê and ï through the dead keys.
-void accents(ApplicationGtk& app) {
-    touches(principale(app), "type 'éèàçù'");
-    touches(principale(app), "dead_circumflex e dead_diaeresis i");
-}
-
+const char* const accents[] = {"type 'éèàçù'", "dead_circumflex e dead_diaeresis i"};
 const char* const connectee = "!!document.querySelector('a[href*=\"do=logout\"]')";
 
 void dokuwiki(ApplicationGtk& app) {
@@ -94,37 +83,35 @@ void dokuwiki(ApplicationGtk& app) {
     // Signed in, remembered; keys only, since WebKit lets a click overtake keys it still queues.
     aller(vue, wiki, "doku.php?id=essai&do=login");
     cliquerDans(vue, "#focus__this");
-    for (const char* t : {"type anne", "Tab", "type motdepasse", "Tab", "space", "Return"}) {
+    for (const char* t : {"type anne", "Tab", "type motdepasse", "Tab", "space", "Return"})
         touches(principale(app), t);
-    }
     quand(vue, connectee);
     // The editor: reloading asks, the text stays and is saved as typed.
     aller(vue, wiki, "doku.php?id=essai&do=edit");
     cliquerDans(vue, "#wiki__text");
-    accents(app);
+    for (const char* t : accents) touches(principale(app), t);
     quand(vue, "wiki__text.value == 'éèàçùêï'");
-    commande(app, "ctrl+r", "Return");
+    question(app, "ctrl+r", "Return");
     quand(vue, "wiki__text.value == 'éèàçùêï'");
     cliquerDans(vue, "#edbtn__save");
-    const std::string page = variable("BRINDEX_E2E_DONNEES_WIKI") + "/donnees/pages/essai.txt";
+    const std::string page = variable("BRINDEX_E2E_PROFIL") + "/wiki/donnees/pages/essai.txt";
     attendre([&] { return lireFichier(page) == "éèàçùêï"; }, 20, "page enregistrée");
     // New edits: quitting asks and stays, a change of space asks and leaves.
     aller(vue, wiki, "doku.php?id=essai&do=edit");
     cliquerDans(vue, "#wiki__text");
     touches(principale(app), "type encore");
     quand(vue, "wiki__text.value.includes('encore')");
-    commande(app, "ctrl+q", "Escape");
-    commande(app, "ctrl+shift+k");
+    question(app, "ctrl+q", "Escape");
+    question(app, "ctrl+shift+k");
     // The address field takes the same keys.
     GtkWidget* champ = exiger(app, "champ");
-    attendre([&] { return gtk_widget_get_mapped(champ) && gtk_widget_get_width(champ) > 0; }, 10,
-             "le champ affiché");
+    attendre([&] { return gtk_widget_get_width(champ) > 0; }, 10, "le champ affiché");
     cliquerWidget(champ);
     touches(principale(app), "ctrl+a");
-    accents(app);
+    for (const char* t : accents) touches(principale(app), t);
     verifier(texte(champ) == "éèàçùêï", texte(champ));
     touches(principale(app), "ctrl+q");
-    fin(app);
+    attendre([&] { return fenetresVisibles(app).empty(); }, 20, "l'application finie");
 }
 
 // TiddlyWiki exports a tiddler through a file it builds in the page.

@@ -53,8 +53,6 @@ struct VueWebTest : VueWeb {
     void reculer() override { agir("reculer"); }
     void avancer() override { agir("avancer"); }
     void essayerFermer() override { agir("essayerFermer"); }
-    // Leaving the page goes through the test's engine. The page asks to be confirmed before it
-    // is left; what left it, once agreed.
     void agir(const std::string& acte) {
         actions.push_back(acte);
         if (moteur) moteur(*this, acte);
