@@ -365,18 +365,18 @@ TEST_F(ControleurTest, LesTablesNeGardentRienDUneVueOuDUnTelechargementFini) {
     };
     p.telechargements = dossier.string();
     // How views end, and what each table then holds (origins, secondary windows, process ends,
-    // views with navigations waiting, those navigations, downloads, windows that printed): only
-    // the views and windows still shown, and the downloads, which outlive any window until they
-    // end themselves; whether the main view's engine process is ended with it (never while a
-    // popup may share it).
+    // views with navigations waiting, those navigations, downloads, windows that printed, views
+    // that asked before being left, questions open): only the views and windows still shown,
+    // and the downloads, which outlive any window until they end themselves; whether the main
+    // view's engine process is ended with it (never while a popup may share it).
     const std::tuple<std::function<void(VueWeb&)>, const char*, bool> table[] = {
-        {[&](VueWeb&) { p.secondaires.back()->fermer(); }, "1 0 1 1 1 2 0 ", false},
-        {[&](VueWeb& popup) { controleur->fermetureDemandee(popup); }, "1 0 1 1 1 2 0 ", false},
-        {[&](VueWeb&) { controleur->changerEspace(); }, "0 0 0 0 0 2 0 ", true},
-        {[&](VueWeb&) { controleur->ouvrirEspace(*controleur->adresseEspace()); }, "1 0 0 0 0 2 0 ",
-         true},
-        {[&](VueWeb&) { controleur->montrerErreur("x"); }, "1 1 1 1 1 2 1 ", false},
-        {[&](VueWeb&) { fenetre().fermer(); }, "0 0 0 0 0 2 0 ", true},
+        {[&](VueWeb&) { p.secondaires.back()->fermer(); }, "1 0 1 1 1 2 0 1 0 ", false},
+        {[&](VueWeb& popup) { controleur->fermetureDemandee(popup); }, "1 0 1 1 1 2 0 1 0 ", false},
+        {[&](VueWeb&) { controleur->changerEspace(); }, "0 0 0 0 0 2 0 0 0 ", true},
+        {[&](VueWeb&) { controleur->ouvrirEspace(*controleur->adresseEspace()); },
+         "1 0 0 0 0 2 0 0 0 ", true},
+        {[&](VueWeb&) { controleur->montrerErreur("x"); }, "1 1 1 1 1 2 1 1 0 ", false},
+        {[&](VueWeb&) { fenetre().fermer(); }, "0 0 0 0 0 2 0 0 0 ", true},
     };
     for (const auto& [finir, attendu, termine] : table) {
         SCOPED_TRACE(attendu);
@@ -391,6 +391,9 @@ TEST_F(ControleurTest, LesTablesNeGardentRienDUneVueOuDUnTelechargementFini) {
                 *vue, {"https://ailleurs.example/", TypeNavigation::autre, CadreCible::inconnu});
             enCours.push_back(std::make_shared<TelechargementTest>());
             controleur->destinationTelechargement(enCours.back(), "rapport.pdf");
+            // The page asks before being left, and the user stays.
+            controleur->confirmationDepart(*vue, [](bool) {});
+            (vue == &espace ? fenetre() : *p.secondaires.back()).reponsesEnAttente.back()({});
         }
         controleur->impressionDemandee(autre);
         finir(autre);

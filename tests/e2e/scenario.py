@@ -62,7 +62,7 @@ def main():
         sys.exit("usage: scenario.py <brindex_e2e binary> <scenario>")
     binaire, scenario = sys.argv[1], sys.argv[2]
     profil = tempfile.mkdtemp(prefix="brindex-e2e-")
-    serveur = None
+    serveur = appli = None
     try:
         dossiers, telechargements, ouverts = preparer_profil(profil)
         journal_serveur = os.path.join(profil, "requetes.jsonl")
@@ -72,6 +72,12 @@ def main():
         serveur = subprocess.Popen(
             [sys.executable, SERVEUR, "--port", "0", "--journal", journal_serveur, "--lent", "3",
              "--second", str(port_libre)], stdout=subprocess.PIPE, text=True)
+        # A scenario named after a real wiki gets it, served from a throw-away copy.
+        wiki, donnees, adresse = scenario.split("-")[0], os.path.join(profil, "wiki"), ""
+        if wiki in ("dokuwiki", "tiddlywiki"):
+            appli = subprocess.Popen([sys.executable, os.path.join(RACINE, "scripts", "wiki_reel.py"),
+                                      wiki, donnees], stdout=subprocess.PIPE, text=True)
+            adresse = "http://127.0.0.1:%s/" % appli.stdout.readline().split()[1]
         premiere = serveur.stdout.readline().split()
         if len(premiere) != 2 or premiere[0] != "PORT":
             sys.exit("the test space did not start")
@@ -88,6 +94,7 @@ def main():
             "BRINDEX_E2E_TELECHARGEMENTS": telechargements,
             "BRINDEX_E2E_SERVEUR_PID": str(serveur.pid),
             "BRINDEX_E2E_PORT_LIBRE": str(port_libre),
+            "BRINDEX_E2E_WIKI": adresse,
             "GTK_A11Y": "none",
             "NO_AT_BRIDGE": "1",
             "LANG": "C.UTF-8",
@@ -101,9 +108,9 @@ def main():
         print("scenario %s: %.1f s" % (scenario, time.time() - debut))
         sys.exit(resultat.returncode)
     finally:
-        if serveur:
-            serveur.terminate()
-            serveur.wait()
+        for processus in filter(None, (serveur, appli)):
+            processus.terminate()
+            processus.wait()
         if os.environ.get("BRINDEX_E2E_GARDER"):
             print("profile kept in", profil)
         else:

@@ -42,7 +42,7 @@ class ConfigurationCocoa : public ConfigurationMoteur {
 };
 
 // A WKWebView whose delegate and observations reach the controller.
-class VueWebCocoa final : public VueWeb {
+class VueWebCocoa final : public VueWeb, public std::enable_shared_from_this<VueWebCocoa> {
    public:
     VueWebCocoa(const ParametresVueWeb &parametres, WKWebViewConfiguration *fournie,
                 std::weak_ptr<Controleur> controleur,
@@ -66,6 +66,7 @@ class VueWebCocoa final : public VueWeb {
     double progression() const override;
     bool aUnePageARecharger() const override;
     void detacher() override;
+    void essayerFermer() override;
     void chercher(const std::string &texte, SensRecherche sens) override;
     void finirRecherche() override;
     void focaliser() override;
@@ -73,6 +74,7 @@ class VueWebCocoa final : public VueWeb {
 
    private:
     WKWebView *webView_;
+    std::weak_ptr<Controleur> controleur_;
     BrindexDelegueWeb *delegue_;
     // The title and progress observations of the main web view; they end with detacher().
     id observateur_ = nil;
