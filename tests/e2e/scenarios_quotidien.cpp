@@ -168,7 +168,7 @@ long rouges(WebKitWebView* vue) {
 
 void orthographe(ApplicationGtk& app) {
     WebKitWebView* vue = ouvrirBureau(app);
-    verifier(contient(journal(), "orthographe OK fr_FR en_US"), journal());
+    attendreJournal("orthographe OK fr_FR en_US");
     cliquerDans(vue, "#note");
     // French is French: an English dictionary alone would mark these words.
     xdotool("type --delay 30 'Bonjour tout le monde. '");

@@ -13,6 +13,25 @@ namespace brindex::gtk {
 
 namespace {
 
+bool orthographeActivee = false;
+
+// Loading the dictionaries holds the main thread a tenth of a second: not while the first page
+// loads, but half a second after it has (or failed), its first image drawn. Once for the run.
+void surChargementPourOrthographe(WebKitWebView* vue, WebKitLoadEvent evenement, gpointer) {
+    if (evenement != WEBKIT_LOAD_FINISHED) return;
+    g_signal_handlers_disconnect_by_func(
+        vue, reinterpret_cast<gpointer>(surChargementPourOrthographe), nullptr);
+    if (orthographeActivee) return;
+    orthographeActivee = true;
+    g_timeout_add_full(
+        G_PRIORITY_LOW, 500,
+        +[](gpointer) -> gboolean {
+            Journal::ecrire(ligneOrthographe(activerOrthographe(languesOrthographe(nomsLocale()))));
+            return G_SOURCE_REMOVE;
+        },
+        nullptr, nullptr);
+}
+
 // The application's own network session: site data in $XDG_DATA_HOME/brindex, the cache in
 // $XDG_CACHE_HOME/brindex, and the cookies in an SQLite file beside the data, since WebKit keeps
 // them in memory only unless told where to store them. Session cookies still end with the run.
@@ -45,7 +64,6 @@ PlateformeGtk::PlateformeGtk(GtkApplication* application)
       reglages_(ReglagesGtk::parDefaut()) {
     // Every download of every view goes through the one persistent session.
     g_signal_connect(session_.get(), "download-started", G_CALLBACK(surTelechargement), this);
-    Journal::ecrire(ligneOrthographe(activerOrthographe(languesOrthographe(nomsLocale()))));
 }
 
 PlateformeGtk::~PlateformeGtk() {
@@ -70,9 +88,14 @@ std::shared_ptr<FenetrePrincipale> PlateformeGtk::creerFenetrePrincipale(
 std::shared_ptr<VueWeb> PlateformeGtk::creerVueWeb(const ParametresVueWeb& parametres,
                                                    const ConfigurationMoteur* configuration) {
     const auto* gtkConfiguration = dynamic_cast<const ConfigurationGtk*>(configuration);
-    return std::make_shared<VueWebGtk>(parametres,
-                                       gtkConfiguration ? gtkConfiguration->ouvreur : nullptr,
-                                       session_.get(), controleur_, sansComposition_);
+    auto vue = std::make_shared<VueWebGtk>(parametres,
+                                           gtkConfiguration ? gtkConfiguration->ouvreur : nullptr,
+                                           session_.get(), controleur_, sansComposition_);
+    if (!orthographeActivee) {
+        g_signal_connect(vue->webView(), "load-changed", G_CALLBACK(surChargementPourOrthographe),
+                         nullptr);
+    }
+    return vue;
 }
 
 std::shared_ptr<Fenetre> PlateformeGtk::creerFenetreSecondaire(const ParametresFenetre& parametres,
