@@ -111,6 +111,10 @@ void Controleur::ouvrirEspace(const Url& url) {
     fermerFenetresSecondaires();
     detruireWebView();
     principaleADejaCharge_ = false;
+    erreurReseau_ = false;
+    sites_ = lireSitesConnexion(
+        plateforme_.administration(),
+        plateforme_.reglages().lire(std::string(CleEspace::connexionsApprouvees)));
     webView_ = plateforme_.creerVueWeb(
         ParametresVueWeb{true, true, true, std::string(Marque::agentSuffixe)}, nullptr);
     originesWebView_.insert_or_assign(webView_.get(), *origine);
@@ -121,6 +125,7 @@ void Controleur::ouvrirEspace(const Url& url) {
 void Controleur::montrerConfiguration() {
     fermerFenetresSecondaires();
     detruireWebView();
+    erreurReseau_ = false;
     const auto actuelle = adresseEspace();
     Plateforme& plateforme = plateforme_;
     auto vue = VueConfiguration::creer(
@@ -141,10 +146,11 @@ void Controleur::montrerConfiguration() {
     vue->detecterAdresseParDefaut();
 }
 
-void Controleur::montrerErreur(const std::string& detail) {
+void Controleur::montrerErreur(const std::string& detail, std::string_view titre) {
     detruireWebView();
-    auto vue =
-        std::make_shared<VueErreur>(extrait(detail, caracteresDialogueMax, lignesDialogueMax));
+    erreurReseau_ = false;
+    auto vue = std::make_shared<VueErreur>(
+        extrait(detail, caracteresDialogueMax, lignesDialogueMax), std::string(titre));
     std::weak_ptr<Controleur> faible = weak_from_this();
     vue->onReessayer = [faible] {
         if (const auto c = faible.lock()) {
@@ -178,7 +184,8 @@ void Controleur::fenetrePrincipaleVaFermer() {
 }
 
 void Controleur::titreChange(VueWeb& vue) {
-    if (&vue != webView_.get()) return;
+    // A round trip's title stays until it ends.
+    if (&vue != webView_.get() || trajets_.count(&vue)) return;
     fenetre_->definirTitre(titreFenetre(vue.titre()));
 }
 
@@ -196,6 +203,9 @@ FenetreSecondaire* Controleur::secondaireDe(const VueWeb& vue) const {
 }
 
 void Controleur::oublierVue(const VueWeb& vue) {
+    quitterConnexion(vue, "FIN");
+    std::erase(questions_, &vue);
+    std::erase(identifications_, &vue);
     originesWebView_.erase(&vue);
     finsProcessus_.erase(&vue);
     attentes_.erase(&vue);
@@ -229,37 +239,42 @@ void Controleur::detourner(const Detournement& detournement) {
 }
 
 Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action) {
-    const auto decision = brindex::deciderAction(
-        action, origineDe(vue), actionUtilisateurDisponible(action.gesteUtilisateur));
+    const bool parUtilisateur = actionUtilisateurDisponible(action.gesteUtilisateur);
+    if (const auto connexion = deciderConnexion(vue, action, parUtilisateur)) return *connexion;
+    const auto decision = brindex::deciderAction(action, origineDe(vue), parUtilisateur);
     detourner(decision.effet);
     if (decision.siCadrePrincipal && action.url) {
         auto& attentes = attentes_[&vue];
         if (attentes.size() == attentesParVue) attentes.erase(attentes.begin());
-        attentes.push_back({sansFragment(*action.url), *decision.siCadrePrincipal});
+        attentes.push_back(
+            {sansFragment(*action.url), *decision.siCadrePrincipal, action, parUtilisateur});
     }
     return decision.politique;
 }
 
-std::optional<Detournement> Controleur::attenteDe(const VueWeb& vue,
-                                                  const std::optional<std::string>& url,
-                                                  bool cadrePrincipal) {
+std::optional<Controleur::Attente> Controleur::attenteDe(const VueWeb& vue,
+                                                         const std::optional<std::string>& url,
+                                                         bool cadrePrincipal) {
     const auto attentes = attentes_.find(&vue);
     if (attentes == attentes_.end() || !url) return std::nullopt;
     auto& liste = attentes->second;
     const auto attente = std::find_if(
         liste.begin(), liste.end(), [&](const Attente& a) { return a.url == sansFragment(*url); });
     if (attente == liste.end()) return std::nullopt;
-    const Detournement detournement = attente->detournement;
+    Attente trouvee = std::move(*attente);
     liste.erase(attente);
     if (!cadrePrincipal) return std::nullopt;
-    return detournement;
+    trouvee.action.cible = CadreCible::principal;
+    return trouvee;
 }
 
 Politique Controleur::deciderReponse(VueWeb& vue, const ReponseNavigation& reponse) {
     // A navigation allowed as if for a sub-frame turns out to fill the main frame: it is held
     // to the view's origin after all.
-    if (const auto detournement = attenteDe(vue, reponse.url, reponse.cadrePrincipal)) {
-        detourner(*detournement);
+    if (const auto attente = attenteDe(vue, reponse.url, reponse.cadrePrincipal)) {
+        if (const auto connexion = deciderConnexion(vue, attente->action, attente->parUtilisateur))
+            return *connexion;
+        detourner(attente->detournement);
         return Politique::annuler;
     }
     return brindex::deciderReponse(reponse);
@@ -270,14 +285,19 @@ Politique Controleur::deciderReponse(VueWeb& vue, const ReponseNavigation& repon
 void Controleur::chargementTermine(VueWeb& vue) {
     if (webView_ && &vue == webView_.get()) principaleADejaCharge_ = true;
     Journal::ecrire(ligneSucces(vue.url()));
+    finirConnexionSiEspace(vue);
 }
 
 void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
     // A navigation allowed as if for a sub-frame failed in the main frame: it was never the
     // view's to load, and does what a navigation elsewhere does.
-    if (const auto detournement = attenteDe(vue, erreur.url, true)) {
-        detourner(*detournement);
-        return;
+    // (A sign-in site's page that fails is the view's own failure.)
+    if (const auto attente = attenteDe(vue, erreur.url, true)) {
+        const auto site = Origine::depuis(attente->url);
+        if (!site || !sites_.contient(*site)) {
+            detourner(attente->detournement);
+            return;
+        }
     }
     if (echecIgnore(erreur)) return;
     Journal::ecrire(ligneEchec(erreur));
@@ -286,6 +306,7 @@ void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
         // Before the first finished load the space itself is unreachable.
         if (!principaleADejaCharge_) {
             montrerErreur(detail);
+            erreurReseau_ = echecReseau(erreur);
         } else {
             fenetre_->feuille(alerteSimple("Page inaccessible", detail));
         }
@@ -299,7 +320,7 @@ void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
 void Controleur::processusTermine(VueWeb& vue, FinProcessus fin) {
     Journal::ecrire(std::string("processus web ECHEC ") +
                     (fin == FinProcessus::plantage ? "plantage " : "memoire ") +
-                    vue.url().value_or("?"));
+                    (vue.url() ? Journal::adresse(*vue.url()) : std::string("?")));
     const auto maintenant = plateforme_.maintenant();
     const auto precedente = finsProcessus_.find(&vue);
     const bool rechute = precedente != finsProcessus_.end() &&
@@ -338,13 +359,18 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
                                                         std::optional<bool> geste,
                                                         const ConfigurationMoteur& configuration) {
     const auto origineOuvreur = origineDe(ouvreur);
-    const auto decision = deciderFenetre(origineOuvreur, url, actionUtilisateurDisponible(geste));
+    auto decision = deciderFenetre(origineOuvreur, url, actionUtilisateurDisponible(geste));
+    // A sign-in site opens in a window of its own, in a round trip, rather than in the browser.
+    const auto site = url ? Origine::depuis(*url) : std::nullopt;
+    const bool connexion =
+        decision.choix == DecisionFenetre::Choix::navigateur && site && sites_.contient(*site);
+    if (connexion) decision = {DecisionFenetre::Choix::ouvrir, std::nullopt, false};
     if (decision.refusee) {
         // A page may ask thousands of times after one click: the log notes a few.
         ++fenetresRefusees_;
         if (fenetresRefusees_ <= fenetresRefuseesNotees) {
             Journal::ecrire("nouvelle fenetre REFUSEE vers " +
-                            (url && !url->empty() ? *url : std::string("about:blank")));
+                            Journal::adresse(url && !url->empty() ? *url : "about:blank"));
         } else if (fenetresRefusees_ == fenetresRefuseesNotees + 1) {
             Journal::ecrire("nouvelle fenetre REFUSEE, les suivantes ne sont plus notees");
         }
@@ -376,6 +402,7 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
                     liste.end());
     };
     fenetresSecondaires_.push_back(std::move(secondaire));
+    if (connexion) entrerConnexion(*vue, *site, false);
     return vue;
 }
 
@@ -404,7 +431,7 @@ void Controleur::rechargerOrigine() {
 }
 
 void Controleur::pagePrecedente() {
-    if (const auto vue = webViewActive()) vue->reculer();
+    if (const auto vue = webViewActive()) reculerVersEspace(*vue);
 }
 
 void Controleur::pageSuivante() {

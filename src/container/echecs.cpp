@@ -1,10 +1,28 @@
 #include "container/echecs.hpp"
 
+#include "log/journal.hpp"
+
 namespace brindex {
 
 bool echecIgnore(const ErreurChargement& erreur) {
     return (erreur.domaine == domaineUrl && erreur.code == -999) ||
            (erreur.domaine == domaineWebKit && erreur.code == 102);
+}
+
+bool echecReseau(const ErreurChargement& erreur) {
+    if (erreur.domaine != domaineUrl) return false;
+    switch (erreur.code) {
+        case -1001:  // timed out
+        case -1003:  // host not found: no name server answers while offline
+        case -1004:  // can't connect
+        case -1005:  // connection lost
+        case -1009:  // not connected
+        case -1018:  // roaming off
+        case -1020:  // data not allowed
+            return true;
+        default:
+            return false;
+    }
 }
 
 std::string ligneEchec(const ErreurChargement& erreur) {
@@ -13,7 +31,7 @@ std::string ligneEchec(const ErreurChargement& erreur) {
 }
 
 std::string ligneSucces(const std::optional<std::string>& url) {
-    return "navigation OK " + url.value_or("?");
+    return "navigation OK " + (url ? Journal::adresse(*url) : std::string("?"));
 }
 
 std::string detailLisible(const ErreurChargement& erreur, const std::optional<Url>& adresseEspace) {

@@ -56,8 +56,15 @@ struct VueWebTest : VueWeb {
     std::optional<std::string> titre() const override { return titreCourant; }
     double progression() const override { return progressionCourante; }
     void detacher() override { detachee = true; }
+    void trancher(Politique p) override { tranchees.push_back(p); }
+    std::vector<std::string> historiqueArriere(std::size_t) const override { return arriere; }
+    void reculerDe(std::size_t pas) override {
+        actions.push_back("reculerDe " + std::to_string(pas));
+    }
 
     bool creeeAvecConfiguration, detachee = false;
+    std::vector<Politique> tranchees;
+    std::vector<std::string> arriere;
     std::vector<std::pair<std::string, double>> chargements;
     std::vector<std::string> actions;
     std::optional<std::string> urlCourante, titreCourant;
@@ -126,6 +133,10 @@ struct FenetreTest : FenetrePrincipale {
         montrer(Ecran::erreur, "ecran erreur");
         erreur = std::move(vue);
     }
+    void barreConnexion(const std::optional<std::string>& t, std::function<void()> a) override {
+        barre_ = t;
+        annulerBarre = std::move(a);
+    }
     void progression(double valeur, bool visible) override {
         barre = valeur;
         barreVisible = visible;
@@ -141,6 +152,8 @@ struct FenetreTest : FenetrePrincipale {
     std::function<void()> vaFermer_;
     std::string titre;
     bool cle = false, fermee = false, barreVisible = false;
+    std::optional<std::string> barre_;
+    std::function<void()> annulerBarre;
     int passagesDevant = 0;
     double barre = -1;
     Ecran ecran = Ecran::initial;
@@ -192,6 +205,24 @@ struct PlateformeTest : Plateforme, Temoin {
         return suffixesTemporaires;
     }
     std::chrono::steady_clock::time_point maintenant() const override { return horloge; }
+    void plusTard(std::chrono::milliseconds d, std::function<void()> a) override {
+        differes.emplace_back(horloge + d, std::move(a));
+    }
+    // Moves the clock on and runs what has come due, in order.
+    void avancer(std::chrono::milliseconds d) {
+        horloge += d;
+        for (std::size_t i = 0; i < differes.size();) {
+            if (differes[i].first > horloge) {
+                ++i;
+                continue;
+            }
+            auto a = std::move(differes[i].second);
+            differes.erase(differes.begin() + static_cast<std::ptrdiff_t>(i));
+            a();
+            i = 0;
+        }
+    }
+    Administration administration() const override { return admin; }
     // Makes this window the only key one (nullptr: none is key).
     void rendreCle(Fenetre* fenetre) override {
         for (auto& f : principales) f->cle = f.get() == fenetre;
@@ -212,6 +243,8 @@ struct PlateformeTest : Plateforme, Temoin {
     std::string personnel = "/maison";
     std::vector<std::string> suffixesTemporaires;
     std::chrono::steady_clock::time_point horloge{std::chrono::hours(1)};
+    std::vector<std::pair<std::chrono::steady_clock::time_point, std::function<void()>>> differes;
+    Administration admin;
 };
 
 }  // namespace brindex::test

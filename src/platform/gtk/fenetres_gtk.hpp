@@ -35,6 +35,8 @@ class FenetreGtk : public Interface {
     void fermer() override;
     using Interface::feuille;
     void feuille(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) override;
+    void barreConnexion(const std::optional<std::string>& texte,
+                        std::function<void()> annuler) override;
 
   protected:
     // Runs before the window goes, whoever closes it.
@@ -45,6 +47,9 @@ class FenetreGtk : public Interface {
 
     Ref<GtkWidget> fenetre_;
     Ref<GtkWidget> bandeau_;
+    // The sign-in bar in the strip, while it shows, and what its button does.
+    GtkWidget* barreConnexion_ = nullptr;
+    std::function<void()> annulerConnexion_;
     std::function<void()> vaFermer_;
     bool detruite_ = false;
 };

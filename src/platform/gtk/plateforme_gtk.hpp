@@ -9,6 +9,7 @@
 #include "container/ports.hpp"
 #include "fenetres_gtk.hpp"
 #include "reglages_gtk.hpp"
+#include "services_gtk.hpp"
 #include "transport_soup.hpp"
 
 namespace brindex::gtk {
@@ -58,6 +59,8 @@ class PlateformeGtk : public Plateforme {
     std::string dossierPersonnel() override;
     bool existe(const std::string& chemin) override;
     std::vector<std::string> suffixesTemporairesTelechargement() const override;
+    void plusTard(std::chrono::milliseconds delai, std::function<void()> action) override;
+    Administration administration() const override;
 
     std::shared_ptr<FenetrePrincipaleGtk> fenetrePrincipale() const { return principale_.lock(); }
     // The window that dialogs belong to: the active one, else the main window.
@@ -77,6 +80,7 @@ class PlateformeGtk : public Plateforme {
     std::weak_ptr<FenetrePrincipaleGtk> principale_;
     std::map<WebKitDownload*, std::shared_ptr<TelechargementGtk>> telechargements_;
     bool sansComposition_ = false;
+    std::unique_ptr<SurveillanceReprise> reprise_;
 };
 
 }  // namespace brindex::gtk
