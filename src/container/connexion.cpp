@@ -87,7 +87,8 @@ SitesConnexion lireSitesConnexion(const Administration& administration,
             Journal::ecrire("site de connexion IGNORE " + texte);
         }
     }
-    std::string_view reste = approuves.value_or(std::string());
+    const std::string texte = approuves.value_or(std::string());
+    std::string_view reste = texte;
     while (!reste.empty()) {
         const auto fin = reste.find('\n');
         if (const auto site = siteConnexion(reste.substr(0, fin))) sites.approuves.push_back(*site);
@@ -126,7 +127,7 @@ bool demandeDeConnexion(const ActionNavigation& action) {
 
 DecisionConnexion deciderConnexion(const ActionNavigation& action, const Origine& espace,
                                    const std::optional<TrajetConnexion>& trajet,
-                                   const SitesConnexion& sites, bool lienClique,
+                                   const SitesConnexion& sites, bool lienClique, bool demande,
                                    std::chrono::steady_clock::time_point maintenant,
                                    const BornesConnexion& bornes) {
     using Choix = DecisionConnexion::Choix;
@@ -141,7 +142,7 @@ DecisionConnexion deciderConnexion(const ActionNavigation& action, const Origine
     if (sites.contient(*destination)) return {Choix::entrer, destination};
     if (lienClique) return {};
     if (trajet) return {Choix::refuser, destination};
-    if (sites.question && schemePermis(*destination) && demandeDeConnexion(action)) {
+    if (sites.question && schemePermis(*destination) && demande) {
         return {Choix::demander, destination};
     }
     return {};

@@ -84,10 +84,11 @@ struct DecisionConnexion {
 // `espace`: a sign-in site may be entered, automatically or by a click; during a round trip
 // nothing but sign-in sites and the space may fill the view (a click elsewhere still goes to the
 // browser); a sign-in request to a site that isn't listed, made without the user, asks first.
-// `lienClique`: the user's own click on a link.
+// `lienClique`: the user's own click on a link; `demande`: the navigation (or the chain of
+// redirects that led to it) is a sign-in request (demandeDeConnexion).
 DecisionConnexion deciderConnexion(const ActionNavigation& action, const Origine& espace,
                                    const std::optional<TrajetConnexion>& trajet,
-                                   const SitesConnexion& sites, bool lienClique,
+                                   const SitesConnexion& sites, bool lienClique, bool demande,
                                    std::chrono::steady_clock::time_point maintenant,
                                    const BornesConnexion& bornes);
 

@@ -240,14 +240,17 @@ void Controleur::detourner(const Detournement& detournement) {
 
 Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action) {
     const bool parUtilisateur = actionUtilisateurDisponible(action.gesteUtilisateur);
-    if (const auto connexion = deciderConnexion(vue, action, parUtilisateur)) return *connexion;
+    if (const auto connexion =
+            deciderConnexion(vue, action, parUtilisateur, demandeDeConnexion(action))) {
+        return *connexion;
+    }
     const auto decision = brindex::deciderAction(action, origineDe(vue), parUtilisateur);
     detourner(decision.effet);
     if (decision.siCadrePrincipal && action.url) {
         auto& attentes = attentes_[&vue];
         if (attentes.size() == attentesParVue) attentes.erase(attentes.begin());
-        attentes.push_back(
-            {sansFragment(*action.url), *decision.siCadrePrincipal, action, parUtilisateur});
+        attentes.push_back({sansFragment(*action.url), *decision.siCadrePrincipal, action,
+                            parUtilisateur, demandeDeConnexion(action)});
     }
     return decision.politique;
 }
@@ -265,6 +268,14 @@ std::optional<Controleur::Attente> Controleur::attenteDe(const VueWeb& vue,
     liste.erase(attente);
     if (!cadrePrincipal) return std::nullopt;
     trouvee.action.cible = CadreCible::principal;
+    // The redirects that led here on the same site, whose answers never come: a sign-in request
+    // among them makes this one too.
+    const auto origine = Origine::depuis(trouvee.url);
+    std::erase_if(liste, [&](const Attente& a) {
+        if (!origine || Origine::depuis(a.url) != origine) return false;
+        trouvee.demandeConnexion = trouvee.demandeConnexion || a.demandeConnexion;
+        return true;
+    });
     return trouvee;
 }
 
@@ -272,8 +283,10 @@ Politique Controleur::deciderReponse(VueWeb& vue, const ReponseNavigation& repon
     // A navigation allowed as if for a sub-frame turns out to fill the main frame: it is held
     // to the view's origin after all.
     if (const auto attente = attenteDe(vue, reponse.url, reponse.cadrePrincipal)) {
-        if (const auto connexion = deciderConnexion(vue, attente->action, attente->parUtilisateur))
+        if (const auto connexion = deciderConnexion(vue, attente->action, attente->parUtilisateur,
+                                                    attente->demandeConnexion)) {
             return *connexion;
+        }
         detourner(attente->detournement);
         return Politique::annuler;
     }
@@ -295,7 +308,11 @@ void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
     if (const auto attente = attenteDe(vue, erreur.url, true)) {
         const auto site = Origine::depuis(attente->url);
         if (!site || !sites_.contient(*site)) {
-            detourner(attente->detournement);
+            // During a round trip, refused as the trip refuses; otherwise as ever.
+            if (!trajets_.count(&vue) ||
+                !deciderConnexion(vue, attente->action, attente->parUtilisateur, false)) {
+                detourner(attente->detournement);
+            }
             return;
         }
     }

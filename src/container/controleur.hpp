@@ -172,7 +172,7 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     // Signing in elsewhere (controleur_connexion.cpp). A navigation that fills a view (or asks
     // for a window): its answer when it is a sign-in matter.
     std::optional<Politique> deciderConnexion(VueWeb& vue, const ActionNavigation& action,
-                                              bool parUtilisateur);
+                                              bool parUtilisateur, bool demande);
     void entrerConnexion(VueWeb& vue, const Origine& site, bool navigation);
     void quitterConnexion(const VueWeb& vue, const char* verdict);
     void expirerConnexion(const VueWeb* vue, unsigned numero, bool parDuree);
@@ -210,6 +210,7 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
         // Decided again as the main frame's, for sign-in.
         ActionNavigation action;
         bool parUtilisateur = false;
+        bool demandeConnexion = false;
     };
     std::map<const VueWeb*, std::vector<Attente>> attentes_;
 

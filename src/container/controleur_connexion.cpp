@@ -46,15 +46,16 @@ std::optional<TrajetConnexion> Controleur::trajetDe(const VueWeb& vue) const {
 // ---- The round trip ----
 
 std::optional<Politique> Controleur::deciderConnexion(VueWeb& vue, const ActionNavigation& action,
-                                                      bool parUtilisateur) {
+                                                      bool parUtilisateur, bool demande) {
     using Choix = DecisionConnexion::Choix;
     const auto espace = origineDe(vue);
     if (!espace || (action.cible != CadreCible::principal && action.cible != CadreCible::aucun)) {
         return std::nullopt;
     }
     const bool lienClique = action.type == TypeNavigation::lienActive && parUtilisateur;
-    const auto decision = brindex::deciderConnexion(action, *espace, trajetDe(vue), sites_,
-                                                    lienClique, plateforme_.maintenant(), bornes_);
+    const auto decision =
+        brindex::deciderConnexion(action, *espace, trajetDe(vue), sites_, lienClique, demande,
+                                  plateforme_.maintenant(), bornes_);
     // A new window's own view makes its round trip (see creerVueWebDemandee).
     if (action.cible == CadreCible::aucun) {
         if (decision.choix != Choix::entrer) return std::nullopt;

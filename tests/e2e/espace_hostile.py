@@ -1,16 +1,25 @@
 #!/usr/bin/env python3
 """The demo space, plus the pages and answers a hostile or careless server gives, for the
 end-to-end tests: an "unsaved changes" page, script clicks, popup floods, same-name and
-badly named attachments, endless health answers, reason phrases full of control bytes.
+badly named attachments, endless health answers, reason phrases full of control bytes; and
+parts behind a sign-in: an OpenID Connect relying party (code flow with PKCE, in the window or
+in a popup) of the provider at $BRINDEX_E2E_OIDC, a SAML service provider of the identity
+provider at $BRINDEX_E2E_SAML, and HTTP Basic authentication (anne / secret).
 
     espace_hostile.py [--port N] [--journal FILE] [--lent SECONDES]
 """
+import base64
+import hashlib
+import json
 import os
+import secrets
 import signal
 import sys
 import threading
 import time
-from urllib.parse import parse_qs, quote, urlsplit
+import urllib.request
+import zlib
+from urllib.parse import parse_qs, quote, urlencode, urlsplit
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..",
                                 "scripts"))
@@ -44,11 +53,94 @@ CADRE = """<!doctype html><html><body style="margin:0"><a id="lien" %s
 <script>parent.postMessage(location.href, "*");</script></body></html>"""
 
 
+OIDC, SAML = os.environ.get("BRINDEX_E2E_OIDC"), os.environ.get("BRINDEX_E2E_SAML")
+VERIFICATEURS = {}  # PKCE: state -> code_verifier
+CONNECTE = page("Connectée", "<section><p id='connecte'>Vous êtes connectée.</p></section>")
+FENETRE_CONNEXION = page("Connexion par fenêtre", """<section><button id="connexion"
+ onclick="window.open('%s')">Se connecter</button><output id="etat"></output></section><script>
+addEventListener("message", async e => { const r = e.data.response || {};
+  const ok = (await fetch("/oidc/echange?" + new URLSearchParams(r))).ok;
+  document.getElementById("etat").textContent = ok ? "connectée" : "refusée"; });</script>""")
+
+
+def b64url(octets):
+    return base64.urlsafe_b64encode(octets).rstrip(b"=").decode()
+
+
 class EspaceHostile(espace_demo.Espace):
+    def racine(self):
+        return "http://127.0.0.1:%d" % self.server.server_address[1]
+
+    def autorisation(self, **plus):
+        etat, verificateur = secrets.token_urlsafe(12), secrets.token_urlsafe(48)
+        VERIFICATEURS[etat] = verificateur
+        defi = b64url(hashlib.sha256(verificateur.encode()).digest())
+        return OIDC + "/auth?" + urlencode(dict(
+            client_id="brindex", response_type="code", scope="openid", state=etat,
+            redirect_uri=self.racine() + "/oidc/retour", code_challenge=defi,
+            code_challenge_method="S256", **plus))
+
+    def echange(self, p):
+        corps = urlencode(dict(grant_type="authorization_code", code=p.get("code", ""),
+                               redirect_uri=self.racine() + "/oidc/retour", client_id="brindex",
+                               code_verifier=VERIFICATEURS.pop(p.get("state"), ""))).encode()
+        try:
+            ouvreur = urllib.request.build_opener(urllib.request.ProxyHandler({}))
+            return "id_token" in json.load(ouvreur.open(OIDC + "/token", corps, timeout=5))
+        except OSError:
+            return False
+
+    def connexion(self, ok, cookie, suite):
+        self.repondre(303 if ok else 403, CONNECTE, entetes=[("Location", suite)] + (
+            [("Set-Cookie", cookie + "=1; Path=/")] if ok else []))
+
+    def demande_saml(self):
+        xml = ('<samlp:AuthnRequest xmlns:samlp="urn:oasis:names:tc:SAML:2.0:protocol" '
+               'xmlns:saml="urn:oasis:names:tc:SAML:2.0:assertion" ID="_%s" Version="2.0" '
+               'IssueInstant="%s" Destination="%s/saml/sso" AssertionConsumerServiceURL="%s/saml/'
+               'acs" ProtocolBinding="urn:oasis:names:tc:SAML:2.0:bindings:HTTP-POST"><saml:Issuer>'
+               '%s/</saml:Issuer></samlp:AuthnRequest>') % (
+            secrets.token_hex(8), time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime()), SAML,
+            self.racine(), self.racine())
+        compresseur = zlib.compressobj(wbits=-15)
+        deflate = compresseur.compress(xml.encode()) + compresseur.flush()
+        return SAML + "/saml/sso?" + urlencode(
+            {"SAMLRequest": base64.b64encode(deflate).decode(), "RelayState": "/saml/"})
+
+    def do_POST(self):
+        corps = self.rfile.read(min(int(self.headers.get("Content-Length", 0)), 1 << 20))
+        reponse = parse_qs(corps.decode()).get("SAMLResponse", [""])[0]
+        self.connexion(self.path == "/saml/acs" and b"status:Success" in base64.b64decode(
+            reponse + "=="), "saml", "/saml/")
+
     def do_GET(self):
         adresse = urlsplit(self.path)
         parametres = {k: v[0] for k, v in parse_qs(adresse.query).items()}
-        if adresse.path == "/hostile/quitter":
+        cookies = self.headers.get("Cookie") or ""
+        protegees = {"/oidc/": ("oidc=1", self.autorisation), "/saml/": ("saml=1", self.demande_saml)}
+        if adresse.path in protegees:
+            self.noter()
+            cookie, destination = protegees[adresse.path]
+            if cookie in cookies:
+                self.repondre(200, CONNECTE)
+            else:
+                self.repondre(302, b"", entetes=[("Location", destination())])
+        elif adresse.path == "/oidc/retour":
+            self.noter()
+            self.connexion(self.echange(parametres), "oidc", "/oidc/")
+        elif adresse.path == "/oidc/echange":
+            self.connexion(self.echange(parametres), "oidc", "/oidc/")
+        elif adresse.path == "/oidc/fenetre":
+            self.repondre(200, FENETRE_CONNEXION % self.autorisation(response_mode="web_message"))
+        elif adresse.path == "/basic/":
+            self.noter()
+            attendu = "Basic " + base64.b64encode(b"anne:secret").decode()
+            if self.headers.get("Authorization") == attendu:
+                self.repondre(200, CONNECTE)
+            else:
+                self.repondre(401, page("Refusé", "<p>Identifiez-vous.</p>"), entetes=[
+                    ("WWW-Authenticate", 'Basic realm="Espace Brindex"')])
+        elif adresse.path == "/hostile/quitter":
             self.noter()
             self.repondre(200, QUITTER)
         elif adresse.path == "/hostile/cadres":

@@ -3,8 +3,11 @@
 
 The profile has its own HOME and XDG folders, a Downloads folder, and default handlers for
 web, mail and folder URIs that only record what they were given (so no browser starts). The
-test space is started on a free port; the scenario binary then runs under Xvfb with a private
-session bus, and finds everything it needs in BRINDEX_E2E_* variables.
+test space is started on a free port, and for the "connexion" scenarios two real identity
+providers from npm on 127.0.0.2 (another host): oidc-provider, and saml-idp with a key and a
+certificate made for the run. The scenario binary then runs under Xvfb with a private session
+bus, and finds everything it needs in BRINDEX_E2E_* variables. "a+b" runs scenario a, then b
+in the same profile (a restart).
 """
 import os
 import random
@@ -56,29 +59,62 @@ def preparer_profil(profil):
     return dossiers, telechargements, ouverts
 
 
+def port_libre(hote="127.0.0.1"):
+    with socket.socket() as s:
+        s.bind((hote, 0))
+        return s.getsockname()[1]
+
+
+def fournisseurs(profil, espace, oidc, saml):
+    cle, certificat = os.path.join(profil, "idp.key"), os.path.join(profil, "idp.pem")
+    subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "1",
+                    "-subj", "/CN=IdP de test", "-keyout", cle, "-out", certificat],
+                   check=True, capture_output=True)
+    saml_idp = os.path.join(RACINE, "node_modules", "saml-idp", "bin", "run.js")
+    processus = [subprocess.Popen(c, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) for c in (
+        ["node", os.path.join(ICI, "fournisseur_oidc.mjs"), str(oidc), espace + "oidc/retour"],
+        ["node", saml_idp, "--host", "127.0.0.2", "--port", str(saml), "--cert", certificat,
+         "--key", cle, "--acsUrl", espace + "saml/acs", "--audience", espace])]
+    for port in (oidc, saml):
+        for _ in range(200):
+            try:
+                socket.create_connection(("127.0.0.2", port), 0.1).close()
+                break
+            except OSError:
+                time.sleep(0.1)
+        else:
+            sys.exit("an identity provider did not start")
+    return processus
+
+
 def main():
     if len(sys.argv) != 3:
         sys.exit("usage: scenario.py <brindex_e2e binary> <scenario>")
     binaire, scenario = sys.argv[1], sys.argv[2]
     profil = tempfile.mkdtemp(prefix="brindex-e2e-")
-    serveur = None
+    serveur, idp = None, []
     try:
         dossiers, telechargements, ouverts = preparer_profil(profil)
         journal_serveur = os.path.join(profil, "requetes.jsonl")
-        with socket.socket() as s:
-            s.bind(("127.0.0.1", 0))
-            port_libre = s.getsockname()[1]
+        libre = port_libre()
+        oidc, saml = port_libre("127.0.0.2"), port_libre("127.0.0.2")
+        urls_idp = {"BRINDEX_E2E_OIDC": "http://127.0.0.2:%d" % oidc,
+                    "BRINDEX_E2E_SAML": "http://127.0.0.2:%d" % saml}
         serveur = subprocess.Popen(
             [sys.executable, SERVEUR, "--port", "0", "--journal", journal_serveur, "--lent", "3",
-             "--second", str(port_libre)], stdout=subprocess.PIPE, text=True)
+             "--second", str(libre)], stdout=subprocess.PIPE, text=True,
+            env=dict(os.environ, **urls_idp))
         premiere = serveur.stdout.readline().split()
         if len(premiere) != 2 or premiere[0] != "PORT":
             sys.exit("the test space did not start")
+        if scenario.startswith("connexion"):
+            idp = fournisseurs(profil, "http://127.0.0.1:%s/" % premiere[1], oidc, saml)
         env = dict(os.environ)
         env.update(dossiers)
         env.pop("DISPLAY", None)
         env.pop("WAYLAND_DISPLAY", None)
         env.pop("DBUS_SESSION_BUS_ADDRESS", None)
+        env.update(urls_idp)
         env.update({
             "BRINDEX_E2E_ESPACE": "http://127.0.0.1:%s/" % premiere[1],
             "BRINDEX_E2E_PROFIL": profil,
@@ -86,23 +122,26 @@ def main():
             "BRINDEX_E2E_OUVERTS": ouverts,
             "BRINDEX_E2E_TELECHARGEMENTS": telechargements,
             "BRINDEX_E2E_SERVEUR_PID": str(serveur.pid),
-            "BRINDEX_E2E_PORT_LIBRE": str(port_libre),
+            "BRINDEX_E2E_PORT_LIBRE": str(libre),
             "GTK_A11Y": "none",
             "NO_AT_BRIDGE": "1",
             "LANG": "C.UTF-8",
         })
         # Xvfb first, so that what the session bus starts (portals) finds the display; a display
         # number drawn at random, so that runs side by side don't race for the same one.
-        commande = ["xvfb-run", "-a", "-n", str(random.randint(100, 30000)), "-s", "-screen 0 1400x1000x24", "dbus-run-session", "--",
-                    binaire, scenario]
-        debut = time.time()
-        resultat = subprocess.run(commande, env=env, timeout=180)
-        print("scenario %s: %.1f s" % (scenario, time.time() - debut))
-        sys.exit(resultat.returncode)
+        for phase in scenario.split("+"):
+            commande = ["xvfb-run", "-a", "-n", str(random.randint(100, 30000)), "-s",
+                        "-screen 0 1400x1000x24", "dbus-run-session", "--", binaire, phase]
+            debut = time.time()
+            resultat = subprocess.run(commande, env=env, timeout=180)
+            print("scenario %s: %.1f s" % (phase, time.time() - debut))
+            if resultat.returncode:
+                sys.exit(resultat.returncode)
     finally:
-        if serveur:
-            serveur.terminate()
-            serveur.wait()
+        for p in [serveur] + idp:
+            if p:
+                p.terminate()
+                p.wait()
         if os.environ.get("BRINDEX_E2E_GARDER"):
             print("profile kept in", profil)
         else:
