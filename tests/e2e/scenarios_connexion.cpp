@@ -174,9 +174,10 @@ void authentification(ApplicationGtk& app) {
     verifier(!contient(journal(), "-1001") && chercherPartout(app, "bouton-0"),
              "aucun délai pendant la question");
     touches(GTK_WINDOW(dialogue), "a n n e Tab f a u x Return");
+    attendre([&] { GtkWidget* t = chercherPartout(app, "texte-alerte");
+                   return t && contient(texte(t), "n'a pas été accepté"); },
+             20, "le nouvel essai le dit");
     dialogue = alerte(app);
-    verifier(contient(texte(chercher(dialogue, "texte-alerte")), "n'a pas été accepté"),
-             "le nouvel essai le dit");
     touches(GTK_WINDOW(dialogue), "ctrl+a BackSpace a n n e Tab s e c r e t Return");
     WebKitWebView* vue = page(vueWebPrincipale(app), "basic/");
     attendre([&] { return script(vue, "document.title") == "Connectée"; }, 20, "connectée");
