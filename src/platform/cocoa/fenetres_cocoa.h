@@ -13,6 +13,12 @@
 @property(nonatomic) std::function<void()> vaFermer;
 @end
 
+// A button's target that runs a callback.
+@interface BrindexCible : NSObject
+@property(nonatomic) std::function<void()> action;
+- (void)agir:(id)sender;
+@end
+
 namespace brindex::cocoa {
 
 // What every window of the application does, over an NSWindow.
@@ -31,10 +37,16 @@ class FenetreCocoa : public Interface {
     void fermer() override;
     using Interface::feuille;
     void feuille(const Alerte &alerte, std::function<void(ReponseAlerte)> reponse) override;
+    // Under the title bar, above whatever the window shows.
+    void barreConnexion(const std::optional<std::string> &texte,
+                        std::function<void()> annuler) override;
 
    protected:
     NSWindow *fenetre_;
     BrindexDelegueFenetre *delegue_;
+    NSTitlebarAccessoryViewController *barreConnexion_ = nil;
+    NSTextField *texteConnexion_ = nil;
+    BrindexCible *annulerConnexion_ = nil;
 };
 
 // The main window: one of three screens as its content view.

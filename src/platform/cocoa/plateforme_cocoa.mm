@@ -129,6 +129,34 @@ void TransportCocoa::envoyer(const RequeteSonde &requete, std::function<void(Ech
 
 PlateformeCocoa::~PlateformeCocoa() {
     if (moniteur_) [NSEvent removeMonitor:moniteur_];
+    if (chemins_) nw_path_monitor_cancel(chemins_);
+    if (reveil_) [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:reveil_];
+}
+
+void PlateformeCocoa::plusTard(std::chrono::milliseconds delai, std::function<void()> action) {
+    dispatch_after(
+        dispatch_time(DISPATCH_TIME_NOW, static_cast<int64_t>(delai.count()) * NSEC_PER_MSEC),
+        dispatch_get_main_queue(), ^{
+            action();
+        });
+}
+
+Administration PlateformeCocoa::administration() const {
+    NSUserDefaults *reglages = NSUserDefaults.standardUserDefaults;
+    Administration administration;
+    NSString *origines = ns(CleAdministration::originesConnexion);
+    if ([reglages objectIsForcedForKey:origines]) {
+        for (id origine in [reglages arrayForKey:origines]) {
+            if ([origine isKindOfClass:NSString.class]) {
+                administration.originesConnexion.push_back(texte(origine));
+            }
+        }
+    }
+    NSString *question = ns(CleAdministration::questionConnexion);
+    if ([reglages objectIsForcedForKey:question]) {
+        administration.questionConnexion = [reglages boolForKey:question];
+    }
+    return administration;
 }
 
 void PlateformeCocoa::definirControleur(std::weak_ptr<Controleur> controleur) {
@@ -150,6 +178,22 @@ void PlateformeCocoa::definirControleur(std::weak_ptr<Controleur> controleur) {
                                          }
                                          return evenement;
                                      }];
+    // The network back (every path that becomes usable) and the machine awake: the space is
+    // tried again if it was unreachable.
+    chemins_ = nw_path_monitor_create();
+    nw_path_monitor_set_queue(chemins_, dispatch_get_main_queue());
+    nw_path_monitor_set_update_handler(chemins_, ^(nw_path_t chemin) {
+        if (nw_path_get_status(chemin) != nw_path_status_satisfied) return;
+        if (const auto c = controleur.lock()) c->reprise(Controleur::Reprise::reseau);
+    });
+    nw_path_monitor_start(chemins_);
+    reveil_ = [NSWorkspace.sharedWorkspace.notificationCenter
+        addObserverForName:NSWorkspaceDidWakeNotification
+                    object:nil
+                     queue:NSOperationQueue.mainQueue
+                usingBlock:^(NSNotification *) {
+                    if (const auto c = controleur.lock()) c->reprise(Controleur::Reprise::reveil);
+                }];
 }
 
 std::shared_ptr<FenetrePrincipale> PlateformeCocoa::creerFenetrePrincipale(

@@ -59,6 +59,12 @@ class VueWebCocoa : public VueWeb {
     std::optional<std::string> titre() const override;
     double progression() const override;
     void detacher() override;
+    void trancher(Politique politique) override;
+    std::vector<std::string> historiqueArriere(std::size_t maximum) const override;
+    void reculerDe(std::size_t pas) override;
+    // Keeps WebKit's decision handler of a navigation the controller answers later; a previous
+    // one still waiting is cancelled (WebKit wants every handler called once).
+    void differer(std::function<void(Politique)> repondre);
 
    private:
     WKWebView *webView_;
@@ -68,6 +74,7 @@ class VueWebCocoa : public VueWeb {
     // The space's own view leaves its window's content when it goes; a popup's stays in its
     // window until the window has closed.
     bool principale_ = false;
+    std::function<void(Politique)> enAttente_;
 };
 
 }  // namespace brindex::cocoa
