@@ -268,14 +268,13 @@ std::optional<Controleur::Attente> Controleur::attenteDe(const VueWeb& vue,
     liste.erase(attente);
     if (!cadrePrincipal) return std::nullopt;
     trouvee.action.cible = CadreCible::principal;
-    // The redirects that led here on the same site, whose answers never come: a sign-in request
-    // among them makes this one too.
+    // The redirects that led here on the same site get no answer of their own: a sign-in
+    // request among them makes this one too.
     const auto origine = Origine::depuis(trouvee.url);
-    std::erase_if(liste, [&](const Attente& a) {
-        if (!origine || Origine::depuis(a.url) != origine) return false;
-        trouvee.demandeConnexion = trouvee.demandeConnexion || a.demandeConnexion;
-        return true;
-    });
+    trouvee.demandeConnexion =
+        trouvee.demandeConnexion || std::any_of(liste.begin(), liste.end(), [&](const Attente& a) {
+            return a.demandeConnexion && origine && Origine::depuis(a.url) == origine;
+        });
     return trouvee;
 }
 

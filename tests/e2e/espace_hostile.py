@@ -1,10 +1,9 @@
 #!/usr/bin/env python3
 """The demo space, plus the pages and answers a hostile or careless server gives, for the
 end-to-end tests: an "unsaved changes" page, script clicks, popup floods, same-name and
-badly named attachments, endless health answers, reason phrases full of control bytes; and
-parts behind a sign-in: an OpenID Connect relying party (code flow with PKCE, in the window or
-in a popup) of the provider at $BRINDEX_E2E_OIDC, a SAML service provider of the identity
-provider at $BRINDEX_E2E_SAML, and HTTP Basic authentication (anne / secret).
+badly named attachments, endless health answers, reason phrases full of control bytes; parts
+behind a sign-in: relying party (PKCE, in the window or a popup) of the OpenID Connect provider
+at $BRINDEX_E2E_OIDC, service provider of the SAML one at $BRINDEX_E2E_SAML, Basic (anne/secret).
 
     espace_hostile.py [--port N] [--journal FILE] [--lent SECONDES]
 """
@@ -63,10 +62,6 @@ addEventListener("message", async e => { const r = e.data.response || {};
   document.getElementById("etat").textContent = ok ? "connectée" : "refusée"; });</script>""")
 
 
-def b64url(octets):
-    return base64.urlsafe_b64encode(octets).rstrip(b"=").decode()
-
-
 class EspaceHostile(espace_demo.Espace):
     def racine(self):
         return "http://127.0.0.1:%d" % self.server.server_address[1]
@@ -74,11 +69,11 @@ class EspaceHostile(espace_demo.Espace):
     def autorisation(self, **plus):
         etat, verificateur = secrets.token_urlsafe(12), secrets.token_urlsafe(48)
         VERIFICATEURS[etat] = verificateur
-        defi = b64url(hashlib.sha256(verificateur.encode()).digest())
+        defi = base64.urlsafe_b64encode(hashlib.sha256(verificateur.encode()).digest())
         return OIDC + "/auth?" + urlencode(dict(
             client_id="brindex", response_type="code", scope="openid", state=etat,
             redirect_uri=self.racine() + "/oidc/retour", code_challenge=defi,
-            code_challenge_method="S256", **plus))
+            code_challenge_method="S256", **plus)).replace("%3D", "")
 
     def echange(self, p):
         corps = urlencode(dict(grant_type="authorization_code", code=p.get("code", ""),
@@ -95,17 +90,13 @@ class EspaceHostile(espace_demo.Espace):
             [("Set-Cookie", cookie + "=1; Path=/")] if ok else []))
 
     def demande_saml(self):
-        xml = ('<samlp:AuthnRequest xmlns:samlp="urn:oasis:names:tc:SAML:2.0:protocol" '
-               'xmlns:saml="urn:oasis:names:tc:SAML:2.0:assertion" ID="_%s" Version="2.0" '
-               'IssueInstant="%s" Destination="%s/saml/sso" AssertionConsumerServiceURL="%s/saml/'
-               'acs" ProtocolBinding="urn:oasis:names:tc:SAML:2.0:bindings:HTTP-POST"><saml:Issuer>'
-               '%s/</saml:Issuer></samlp:AuthnRequest>') % (
-            secrets.token_hex(8), time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime()), SAML,
-            self.racine(), self.racine())
-        compresseur = zlib.compressobj(wbits=-15)
-        deflate = compresseur.compress(xml.encode()) + compresseur.flush()
-        return SAML + "/saml/sso?" + urlencode(
-            {"SAMLRequest": base64.b64encode(deflate).decode(), "RelayState": "/saml/"})
+        xml = ('<samlp:AuthnRequest xmlns:samlp="urn:oasis:names:tc:SAML:2.0:protocol" ID="_%s" '
+               'Version="2.0" AssertionConsumerServiceURL="%s/saml/acs"><saml:Issuer xmlns:saml='
+               '"urn:oasis:names:tc:SAML:2.0:assertion">%s/</saml:Issuer></samlp:AuthnRequest>'
+               ) % (secrets.token_hex(8), self.racine(), self.racine())
+        deflate = zlib.compressobj(wbits=-15)
+        requete = base64.b64encode(deflate.compress(xml.encode()) + deflate.flush())
+        return SAML + "/saml/sso?" + urlencode({"SAMLRequest": requete, "RelayState": "/saml/"})
 
     def do_POST(self):
         corps = self.rfile.read(min(int(self.headers.get("Content-Length", 0)), 1 << 20))
@@ -121,25 +112,19 @@ class EspaceHostile(espace_demo.Espace):
         if adresse.path in protegees:
             self.noter()
             cookie, destination = protegees[adresse.path]
-            if cookie in cookies:
-                self.repondre(200, CONNECTE)
-            else:
-                self.repondre(302, b"", entetes=[("Location", destination())])
-        elif adresse.path == "/oidc/retour":
+            ok = cookie in cookies
+            self.repondre(200 if ok else 302, CONNECTE, entetes=[] if ok else [
+                ("Location", destination())])
+        elif adresse.path in ("/oidc/retour", "/oidc/echange"):
             self.noter()
-            self.connexion(self.echange(parametres), "oidc", "/oidc/")
-        elif adresse.path == "/oidc/echange":
             self.connexion(self.echange(parametres), "oidc", "/oidc/")
         elif adresse.path == "/oidc/fenetre":
             self.repondre(200, FENETRE_CONNEXION % self.autorisation(response_mode="web_message"))
         elif adresse.path == "/basic/":
             self.noter()
-            attendu = "Basic " + base64.b64encode(b"anne:secret").decode()
-            if self.headers.get("Authorization") == attendu:
-                self.repondre(200, CONNECTE)
-            else:
-                self.repondre(401, page("Refusé", "<p>Identifiez-vous.</p>"), entetes=[
-                    ("WWW-Authenticate", 'Basic realm="Espace Brindex"')])
+            ok = self.headers.get("Authorization") == "Basic YW5uZTpzZWNyZXQ="  # anne:secret
+            self.repondre(200 if ok else 401, CONNECTE if ok else page("Refusé", ""), entetes=[]
+                          if ok else [("WWW-Authenticate", 'Basic realm="Espace Brindex"')])
         elif adresse.path == "/hostile/quitter":
             self.noter()
             self.repondre(200, QUITTER)

@@ -3,11 +3,9 @@
 
 The profile has its own HOME and XDG folders, a Downloads folder, and default handlers for
 web, mail and folder URIs that only record what they were given (so no browser starts). The
-test space is started on a free port, and for the "connexion" scenarios two real identity
-providers from npm on 127.0.0.2 (another host): oidc-provider, and saml-idp with a key and a
-certificate made for the run. The scenario binary then runs under Xvfb with a private session
-bus, and finds everything it needs in BRINDEX_E2E_* variables. "a+b" runs scenario a, then b
-in the same profile (a restart).
+test space is started on a free port (and for "connexion" scenarios, identity providers from npm
+on 127.0.0.2); the scenario binary then runs under Xvfb with a private session bus, and finds
+everything it needs in BRINDEX_E2E_* variables. "a+b" runs a, then b in the same profile.
 """
 import os
 import random
@@ -65,6 +63,7 @@ def port_libre(hote="127.0.0.1"):
         return s.getsockname()[1]
 
 
+# oidc-provider, and saml-idp with a key and a certificate made for the run.
 def fournisseurs(profil, espace, oidc, saml):
     cle, certificat = os.path.join(profil, "idp.key"), os.path.join(profil, "idp.pem")
     subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "1",
@@ -76,14 +75,9 @@ def fournisseurs(profil, espace, oidc, saml):
         ["node", saml_idp, "--host", "127.0.0.2", "--port", str(saml), "--cert", certificat,
          "--key", cle, "--acsUrl", espace + "saml/acs", "--audience", espace])]
     for port in (oidc, saml):
-        for _ in range(200):
-            try:
-                socket.create_connection(("127.0.0.2", port), 0.1).close()
-                break
-            except OSError:
-                time.sleep(0.1)
-        else:
-            sys.exit("an identity provider did not start")
+        limite = time.time() + 20
+        while socket.socket().connect_ex(("127.0.0.2", port)) and time.time() < limite:
+            time.sleep(0.1)
     return processus
 
 

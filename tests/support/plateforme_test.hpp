@@ -3,6 +3,7 @@
 // An in-memory platform that records what the core asks of it and lets a test play the web
 // engine and the user.
 
+#include <algorithm>
 #include <deque>
 #include <filesystem>
 #include <map>
@@ -58,9 +59,7 @@ struct VueWebTest : VueWeb {
     void detacher() override { detachee = true; }
     void trancher(Politique p) override { tranchees.push_back(p); }
     std::vector<std::string> historiqueArriere(std::size_t) const override { return arriere; }
-    void reculerDe(std::size_t pas) override {
-        actions.push_back("reculerDe " + std::to_string(pas));
-    }
+    void reculerDe(std::size_t n) override { actions.push_back("reculerDe " + std::to_string(n)); }
 
     bool creeeAvecConfiguration, detachee = false;
     std::vector<Politique> tranchees;
@@ -133,9 +132,8 @@ struct FenetreTest : FenetrePrincipale {
         montrer(Ecran::erreur, "ecran erreur");
         erreur = std::move(vue);
     }
-    void barreConnexion(const std::optional<std::string>& t, std::function<void()> a) override {
+    void barreConnexion(const std::optional<std::string>& t, std::function<void()>) override {
         barre_ = t;
-        annulerBarre = std::move(a);
     }
     void progression(double valeur, bool visible) override {
         barre = valeur;
@@ -153,7 +151,6 @@ struct FenetreTest : FenetrePrincipale {
     std::string titre;
     bool cle = false, fermee = false, barreVisible = false;
     std::optional<std::string> barre_;
-    std::function<void()> annulerBarre;
     int passagesDevant = 0;
     double barre = -1;
     Ecran ecran = Ecran::initial;
@@ -208,18 +205,15 @@ struct PlateformeTest : Plateforme, Temoin {
     void plusTard(std::chrono::milliseconds d, std::function<void()> a) override {
         differes.emplace_back(horloge + d, std::move(a));
     }
-    // Moves the clock on and runs what has come due, in order.
+    // Moves the clock on and runs what has come due, oldest first.
     void avancer(std::chrono::milliseconds d) {
         horloge += d;
-        for (std::size_t i = 0; i < differes.size();) {
-            if (differes[i].first > horloge) {
-                ++i;
-                continue;
-            }
-            auto a = std::move(differes[i].second);
-            differes.erase(differes.begin() + static_cast<std::ptrdiff_t>(i));
-            a();
-            i = 0;
+        const auto du = [&](const auto& e) { return e.first <= horloge; };
+        for (auto e = std::ranges::find_if(differes, du); e != differes.end();
+             e = std::ranges::find_if(differes, du)) {
+            auto action = std::move(e->second);
+            differes.erase(e);
+            action();
         }
     }
     Administration administration() const override { return admin; }
