@@ -1,9 +1,8 @@
 #!/usr/bin/env python3
 """The demo space, plus the pages and answers a hostile or careless server gives, for the
 end-to-end tests: an "unsaved changes" page, script clicks, popup floods, same-name and
-badly named attachments, endless health answers, reason phrases full of control bytes; parts
-behind a sign-in: relying party (PKCE, in the window or a popup) of the OpenID Connect provider
-at $BRINDEX_E2E_OIDC, service provider of the SAML one at $BRINDEX_E2E_SAML, Basic (anne/secret).
+badly named attachments, endless health answers, reason phrases full of control bytes; sign-ins
+through the providers at $BRINDEX_E2E_OIDC (PKCE) and $BRINDEX_E2E_SAML, Basic (anne/secret).
 
     espace_hostile.py [--port N] [--journal FILE] [--lent SECONDES]
 """

@@ -45,7 +45,6 @@ void connexionSaml(ApplicationGtk& app) {
                  gtk_window_get_title(principale(app)) == barre(saml) &&
                  !chercherPartout(app, "bouton-0"),
              "la barre et le titre, sans question");
-    capturer("connexion-saml");
     // A click elsewhere goes to the browser; a script sending the page elsewhere is refused.
     script(vue,
            "const a = document.createElement('a'); a.id = 'ailleurs'; a.textContent = 'x';"
@@ -90,8 +89,7 @@ void connexionQuestion(ApplicationGtk& app) {
     verifier(gtk::ReglagesGtk::parDefaut().lire("connexionsApprouvees") == oidc, "approuvé");
 }
 
-// After a restart: no question, and the provider's own session spares its form (the space's
-// own session ended with the run: a second round trip brings the user back).
+// After a restart, a round trip with no question, and no form thanks to the provider's session.
 void connexionRelance(ApplicationGtk& app) {
     attendreJournal("navigation OK " + espace() + "oidc/", 2);
     const std::string lancement = journal().substr(journal().rfind("demarrage"));
@@ -132,6 +130,12 @@ void connexionExpiree(ApplicationGtk& app) {
              journal());
     cliquer(chercher(feuille, "bouton-0"));
     attendreJournal("navigation OK " + espace(), 2);
+    // The bar's "Annuler" ends a round trip and goes home.
+    script(vue, "location.href = '/oidc/'; 'ok'");
+    patienter(1);  // the bar laid out
+    cliquerWidget(exiger(app, "annuler-connexion"));
+    attendreJournal("connexion ANNULEE " + hote(oidc));
+    attendreJournal("navigation OK " + espace(), 3);
 }
 
 // A space behind HTTP Basic: the native dialog, no time-out while it waits, a retry that says
@@ -185,7 +189,6 @@ void reseauRetabli(ApplicationGtk& app) {
     reseau(true);
     attendreEspace(app, *gtk::ReglagesGtk::parDefaut().lire("espaceURL"));
     verifier(compter(journal(), "reseau RETABLI nouvel essai") == 1, journal());
-    kill(std::stoi(variable("BRINDEX_E2E_SERVEUR_PID")), SIGUSR2);
 }
 
 const Enregistrement inscrits[] = {
