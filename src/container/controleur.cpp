@@ -31,6 +31,9 @@ Alerte alerteSimple(std::string message, std::string_view informatif) {
 constexpr const char* texteProcessus =
     "La page de votre espace s'est arrêtée de façon inattendue, deux fois de suite. Réessayez ; "
     "si cela se reproduit, contactez la personne qui administre votre espace.";
+constexpr const char* texteProcessusSansPage =
+    "La page de cette fenêtre s'est arrêtée de façon inattendue et ne peut pas être rechargée. "
+    "Fermez la fenêtre, puis rouvrez-la depuis votre espace.";
 
 }  // namespace
 
@@ -337,22 +340,37 @@ void Controleur::processusTermine(VueWeb& vue, FinProcessus fin) {
     Journal::ecrire(std::string("processus web ECHEC ") +
                     (fin == FinProcessus::plantage ? "plantage " : "memoire ") +
                     (vue.url() ? Journal::adresse(*vue.url()) : std::string("?")));
+    const bool principale = webView_ && &vue == webView_.get();
+    FenetreSecondaire* secondaire = principale ? nullptr : secondaireDe(vue);
+    // A view no longer shown has nothing to come back to, and leaves nothing behind.
+    if (!principale && !secondaire) return;
     const auto maintenant = plateforme_.maintenant();
     const auto precedente = finsProcessus_.find(&vue);
     const bool rechute = precedente != finsProcessus_.end() &&
                          maintenant - precedente->second <= delaiRechuteProcessus;
     finsProcessus_.insert_or_assign(&vue, maintenant);
-    if (!rechute) {
-        // Once: the page comes back in a new process.
+    // Once, the page comes back in a new process: reloaded from the engine's history, or, with
+    // nothing there (a reload would then do nothing), its address loaded again: the space's for
+    // the main view, the one a popup was opened on.
+    std::optional<std::string> adresse;
+    if (principale) {
+        if (const auto url = adresseEspace()) adresse = url->texte();
+    } else {
+        adresse = secondaire->adresse;
+    }
+    if (!rechute && vue.aUnePageARecharger()) {
         vue.recharger();
         return;
     }
-    if (webView_ && &vue == webView_.get()) {
-        montrerErreur(texteProcessus);
+    if (!rechute && adresse) {
+        vue.charger(*adresse, delaiChargement);
         return;
     }
-    if (FenetreSecondaire* secondaire = secondaireDe(vue)) {
-        secondaire->fenetre()->feuille(alerteSimple("Page inaccessible", texteProcessus));
+    if (principale) {
+        montrerErreur(texteProcessus);
+    } else {
+        secondaire->fenetre()->feuille(
+            alerteSimple("Page inaccessible", rechute ? texteProcessus : texteProcessusSansPage));
     }
 }
 
@@ -361,6 +379,13 @@ void Controleur::processusTermine(VueWeb& vue, FinProcessus fin) {
 void Controleur::activationUtilisateur() {
     activation_ = plateforme_.maintenant();
     fenetresRefusees_ = 0;
+}
+
+void Controleur::pression(const Pression& pression) {
+    // A press in a dialog answers it, and a page may raise one by itself and wait for the OK;
+    // Escape dismisses; a modifier alone asks for nothing.
+    if (pression.dansDialogue || pression.echap || pression.modificateurSeul) return;
+    activationUtilisateur();
 }
 
 bool Controleur::actionUtilisateurDisponible(std::optional<bool> geste) const {
@@ -407,6 +432,7 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
     // A popup is held to its opener's origin, whatever it opens on (about:blank included).
     originesWebView_.insert_or_assign(vue.get(), *origineOuvreur);
     auto secondaire = FenetreSecondaire::creer(plateforme_, vue);
+    if (url && Origine::depuis(*url)) secondaire->adresse = *url;
     std::weak_ptr<Controleur> faible = weak_from_this();
     secondaire->onFermeture = [faible](FenetreSecondaire& fermee) {
         const auto c = faible.lock();
@@ -582,8 +608,10 @@ void Controleur::choixFichiers(bool plusieurs, std::function<void(FichiersChoisi
 
 // ---- Downloads ----
 
-std::string Controleur::destinationTelechargement(std::shared_ptr<Telechargement> telechargement,
-                                                  std::string_view nomSuggere) {
+std::optional<std::string> Controleur::destinationTelechargement(
+    std::shared_ptr<Telechargement> telechargement, std::string_view nomSuggere) {
+    // Recorded now, it would stay "running" for good and keep its name taken.
+    if (telechargement->termine) return std::nullopt;
     const std::string dossier = dossierTelechargements(plateforme_.dossierTelechargements(),
                                                        plateforme_.dossierPersonnel());
     // A name is taken by a file or folder, by the engine's working files for it, and by a
@@ -607,6 +635,7 @@ std::string Controleur::destinationTelechargement(std::shared_ptr<Telechargement
 }
 
 void Controleur::telechargementTermine(Telechargement& telechargement) {
+    telechargement.termine = true;
     const auto entree = telechargements_.find(&telechargement);
     if (entree == telechargements_.end()) return;
     const std::string destination = entree->second.destination;
@@ -617,6 +646,7 @@ void Controleur::telechargementTermine(Telechargement& telechargement) {
 
 void Controleur::telechargementEchoue(Telechargement& telechargement,
                                       const std::string& description) {
+    telechargement.termine = true;
     telechargements_.erase(&telechargement);
     Journal::ecrire("telechargement ECHEC " + description);
     plateforme_.alerte(alerteSimple("Téléchargement impossible", description),

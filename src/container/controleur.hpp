@@ -31,6 +31,8 @@ class FenetreSecondaire : public std::enable_shared_from_this<FenetreSecondaire>
 
     // Runs when the window closes by itself (close button, or the page's request).
     std::function<void(FenetreSecondaire&)> onFermeture;
+    // The address of the space the page opened the window on; none for a window it writes into.
+    std::optional<std::string> adresse;
 
     // Closes the window without running onFermeture.
     void fermer();
@@ -89,6 +91,8 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     // A press of a mouse button or a key in one of the application's windows: it allows one
     // thing to leave the application or one window to open, for a short while.
     void activationUtilisateur();
+    // A press the platform saw: it counts as an action of the user when it asks for something.
+    void pression(const Pression& pression);
 
     // ---- Secondary windows ----
     // A page asks for a new window; gives the new web view, or nothing.
@@ -124,9 +128,10 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     void choixFichiers(bool plusieurs, std::function<void(FichiersChoisis)> fin);
 
     // ---- Downloads ----
-    // Chooses and records where the download is saved.
-    std::string destinationTelechargement(std::shared_ptr<Telechargement> telechargement,
-                                          std::string_view nomSuggere);
+    // Chooses and records where the download is saved; nothing for a download that has already
+    // ended, which the engine is then to cancel.
+    std::optional<std::string> destinationTelechargement(
+        std::shared_ptr<Telechargement> telechargement, std::string_view nomSuggere);
     void telechargementTermine(Telechargement& telechargement);
     void telechargementEchoue(Telechargement& telechargement, const std::string& description);
 

@@ -55,6 +55,17 @@ enum class Politique { annuler, autoriser, telecharger, differer };
 // Why a web view's content process ended without being asked to.
 enum class FinProcessus { plantage, memoire };
 
+// A press of a mouse button or a key in one of the application's windows, as the platform saw
+// it.
+struct Pression {
+    // In one of the application's own dialogs (an alert, a sheet, a file panel) rather than in a
+    // window that shows pages.
+    bool dansDialogue = false;
+    bool echap = false;
+    // A modifier key (Shift, Control, Option, Command…) pressed alone.
+    bool modificateurSeul = false;
+};
+
 // A load failure in the URL-loading vocabulary: each platform maps its own errors onto
 // NSURLErrorDomain codes and WebKitErrorDomain/102, and keeps anything else as it is.
 struct ErreurChargement {
@@ -166,6 +177,9 @@ class VueWeb {
     virtual std::optional<std::string> url() const = 0;
     virtual std::optional<std::string> titre() const = 0;
     virtual double progression() const = 0;
+    // Whether the engine's history has a current page, which is what a reload loads again: a
+    // view whose first load hasn't been committed, or a popup a script wrote into, has none.
+    virtual bool aUnePageARecharger() const = 0;
     // Stops every callback of this web view from reaching the controller.
     virtual void detacher() = 0;
     // Answers the navigation left waiting (Politique::differer); one at a time per view.
@@ -182,10 +196,13 @@ class ConfigurationMoteur {
     virtual ~ConfigurationMoteur() = default;
 };
 
-// A download under way; identity only.
+// A download under way, known by its identity.
 class Telechargement {
   public:
     virtual ~Telechargement() = default;
+    // Set by the controller once the engine has reported the download's end: no destination is
+    // given to it after that.
+    bool termine = false;
 };
 
 struct ParametresFenetre {

@@ -173,6 +173,15 @@ TEST_F(Navigation, UneActionDeLUtilisateurOuvreUneSeuleFenetreOuSortieEtPasLongt
     controleur->deciderAction(vue, clic);
     EXPECT_EQ(p.urlsOuvertes, liste("https://ailleurs.example/"));
     EXPECT_EQ(lignesJournal().back(), refusee);
+    // Presses in a dialog (a page may raise one by itself), Escape or a modifier alone count not.
+    for (const auto& [pression, compte] : {std::pair(Pression{true}, false),
+                                           {{false, true}, false},
+                                           {{false, false, true}, false},
+                                           {{}, true}}) {
+        p.horloge += dureeActivation + std::chrono::seconds(1);
+        controleur->pression(pression);
+        EXPECT_EQ(demander("https://espace.example/p"), compte) << pression.dansDialogue;
+    }
 }
 
 TEST_F(Navigation, FenetresSecondairesTenuesALOrigineDeLOuvreurEtFermees) {
@@ -223,7 +232,7 @@ class Telechargements : public ControleurTest {
     // The destination a download of that name gets, once the previous ones have ended.
     std::string destination(const std::string& suggere) {
         const auto t = std::make_shared<TelechargementTest>();
-        const auto d = controleur->destinationTelechargement(t, suggere);
+        const auto d = controleur->destinationTelechargement(t, suggere).value_or("");
         controleur->telechargementTermine(*t);
         EXPECT_EQ(fs::path(d).parent_path(), dossierTelechargements) << suggere;
         return fs::path(d).filename().string();
@@ -251,7 +260,7 @@ TEST_F(Telechargements, NomsHostilesDansLeDossierEtUniquesSurLeVraiSystemeDeFich
     for (int i = 0; i < 3; ++i) {
         const auto d = controleur->destinationTelechargement(std::make_shared<TelechargementTest>(),
                                                              "note.txt");
-        noms.push_back(fs::path(d).filename().string());
+        noms.push_back(fs::path(d.value_or("")).filename().string());
     }
     EXPECT_EQ(noms, (std::vector<std::string>{"note.txt", "note (2).txt", "note (3).txt"}));
     creer("lisez.txt.wkdownload~");
@@ -272,7 +281,7 @@ TEST_F(Telechargements, NomsHostilesDansLeDossierEtUniquesSurLeVraiSystemeDeFich
     p.personnel = dossier.string();
     const auto d =
         controleur->destinationTelechargement(std::make_shared<TelechargementTest>(), "a.txt");
-    EXPECT_EQ(fs::path(d), dossier / "Downloads" / "a.txt");
+    EXPECT_EQ(fs::path(d.value_or("")), dossier / "Downloads" / "a.txt");
 }
 
 TEST_F(Telechargements, UneLigneParFinLeFichierMontreOuUneAlerte) {
@@ -281,13 +290,15 @@ TEST_F(Telechargements, UneLigneParFinLeFichierMontreOuUneAlerte) {
     EXPECT_EQ(controleur->destinationDe(*t), d);
     controleur->telechargementTermine(*t);
     controleur->telechargementTermine(*t);  // by now unknown: ignored
-    EXPECT_EQ(p.reveles, std::vector<std::string>{d});
-    // A failure, of a download under way or of an unknown one.
+    EXPECT_EQ(p.reveles, std::vector<std::string>{d.value_or("")});
+    // A failure, of a download under way or of one whose destination is still being chosen: that
+    // one gets none afterwards, and takes no name.
     t = std::make_shared<TelechargementTest>();
     controleur->destinationTelechargement(t, "rapport.pdf");
     controleur->telechargementEchoue(*t, "Disque plein");
-    TelechargementTest inconnu;
-    controleur->telechargementEchoue(inconnu, "Connexion perdue");
+    t = std::make_shared<TelechargementTest>();
+    controleur->telechargementEchoue(*t, "Connexion perdue");
+    EXPECT_EQ(controleur->destinationTelechargement(t, "rapport.pdf"), std::nullopt);
     EXPECT_EQ(lignesJournal(), (std::vector<std::string>{"telechargement OK rapport.pdf",
                                                          "telechargement ECHEC Disque plein",
                                                          "telechargement ECHEC Connexion perdue"}));

@@ -56,12 +56,13 @@ struct VueWebTest : VueWeb {
     std::optional<std::string> url() const override { return urlCourante; }
     std::optional<std::string> titre() const override { return titreCourant; }
     double progression() const override { return progressionCourante; }
+    bool aUnePageARecharger() const override { return pageCourante; }
     void detacher() override { detachee = true; }
     void trancher(Politique p) override { tranchees.push_back(p); }
     std::vector<std::string> historiqueArriere(std::size_t) const override { return arriere; }
     void reculerDe(std::size_t n) override { actions.push_back("reculerDe " + std::to_string(n)); }
 
-    bool creeeAvecConfiguration, detachee = false;
+    bool creeeAvecConfiguration, detachee = false, pageCourante = false;
     std::vector<Politique> tranchees;
     std::vector<std::string> arriere;
     std::vector<std::pair<std::string, double>> chargements;

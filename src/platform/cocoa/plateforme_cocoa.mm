@@ -127,6 +127,23 @@ void TransportCocoa::envoyer(const RequeteSonde &requete, std::function<void(Ech
 
 // ---- Platform ----
 
+namespace {
+
+// A press as the controller reads it. Alerts (run modally, or as sheets) and the open panel are
+// the application's own dialogs: the open panel is an NSPanel, an alert's window is the modal
+// session's or a sheet, whatever its class.
+Pression pressionDepuis(NSEvent *evenement) {
+    NSWindow *fenetre = evenement.window;
+    Pression pression;
+    pression.dansDialogue = [fenetre isKindOfClass:NSPanel.class] || fenetre.sheet ||
+                            (fenetre && fenetre == NSApp.modalWindow);
+    pression.echap = evenement.type == NSEventTypeKeyDown &&
+                     [evenement.charactersIgnoringModifiers isEqualToString:@"\x1b"];
+    return pression;
+}
+
+}  // namespace
+
 PlateformeCocoa::~PlateformeCocoa() {
     if (moniteur_) [NSEvent removeMonitor:moniteur_];
     if (chemins_) nw_path_monitor_cancel(chemins_);
@@ -166,18 +183,14 @@ void PlateformeCocoa::definirControleur(std::weak_ptr<Controleur> controleur) {
     // application sees the presses itself, before any window does.
     const NSEventMask pressions = NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown |
                                   NSEventMaskOtherMouseDown | NSEventMaskKeyDown;
-    moniteur_ = [NSEvent
-        addLocalMonitorForEventsMatchingMask:pressions
-                                     handler:^NSEvent *(NSEvent *evenement) {
-                                         // Escape is no request of the user.
-                                         const bool echap = evenement.type == NSEventTypeKeyDown &&
-                                                            [evenement.charactersIgnoringModifiers
-                                                                isEqualToString:@"\x1b"];
-                                         if (const auto c = controleur.lock(); c && !echap) {
-                                             c->activationUtilisateur();
-                                         }
-                                         return evenement;
-                                     }];
+    moniteur_ =
+        [NSEvent addLocalMonitorForEventsMatchingMask:pressions
+                                              handler:^NSEvent *(NSEvent *evenement) {
+                                                  if (const auto c = controleur.lock()) {
+                                                      c->pression(pressionDepuis(evenement));
+                                                  }
+                                                  return evenement;
+                                              }];
     // The network back (every path that becomes usable) and the machine awake: the space is
     // tried again if it was unreachable.
     chemins_ = nw_path_monitor_create();

@@ -36,7 +36,7 @@ class ConfigurationCocoa : public ConfigurationMoteur {
 };
 
 // A WKWebView whose delegate and observations reach the controller.
-class VueWebCocoa : public VueWeb {
+class VueWebCocoa final : public VueWeb {
    public:
     VueWebCocoa(const ParametresVueWeb &parametres, WKWebViewConfiguration *fournie,
                 std::weak_ptr<Controleur> controleur,
@@ -58,6 +58,7 @@ class VueWebCocoa : public VueWeb {
     std::optional<std::string> url() const override;
     std::optional<std::string> titre() const override;
     double progression() const override;
+    bool aUnePageARecharger() const override;
     void detacher() override;
     void trancher(Politique politique) override;
     std::vector<std::string> historiqueArriere(std::size_t maximum) const override;

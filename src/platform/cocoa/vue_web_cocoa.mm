@@ -3,6 +3,7 @@
 #include <map>
 #include <vector>
 
+#include "container/telechargements.hpp"
 #include "platform/cocoa/outils_cocoa.h"
 
 using brindex::cocoa::ns;
@@ -95,9 +96,13 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
     return self;
 }
 
-- (std::shared_ptr<TelechargementCocoa>)entree:(WKDownload *)download {
-    auto &entree = _enCours[(__bridge const void *)download];
-    if (!entree) entree = std::make_shared<TelechargementCocoa>(download);
+// Takes the download's entry out of the table; one that never had an entry gets a passing one
+// for its report.
+- (std::shared_ptr<TelechargementCocoa>)retirer:(WKDownload *)download {
+    const auto trouvee = _enCours.find((__bridge const void *)download);
+    if (trouvee == _enCours.end()) return std::make_shared<TelechargementCocoa>(download);
+    auto entree = std::move(trouvee->second);
+    _enCours.erase(trouvee);
     return entree;
 }
 
@@ -109,40 +114,62 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
         completionHandler(nil);
         return;
     }
-    // The Downloads folder is protected: the first look into it may wait for the user's consent.
-    // That wait happens off the main thread, and the destination is chosen once it is over (a
-    // refusal ends in the download's failure, and its alert).
-    NSURL *dossier = [NSFileManager.defaultManager URLsForDirectory:NSDownloadsDirectory
-                                                          inDomains:NSUserDomainMask]
-                         .firstObject;
+    // Known from now on: a failure reported while the destination is being chosen takes the
+    // entry out, and the download then gets no destination. The blocks below hold the download,
+    // so that no other one takes its address meanwhile.
+    _enCours.try_emplace((__bridge const void *)download,
+                         std::make_shared<TelechargementCocoa>(download));
+    // Inside the Downloads folder, the first look may make macOS ask the user for access, and the
+    // thread that looks waits for the answer, which the system then remembers. That look is made
+    // here, off the main thread, at the very path the controller looks at first, so that the
+    // main thread's looks (the controller's, then WebKit's own) come once the question is
+    // settled. A refusal isn't reported: the looks then find nothing there, and whatever writing
+    // the file then meets is WebKit's to report, through the download's end.
+    NSFileManager *fichiers = NSFileManager.defaultManager;
+    const std::string dossier = brindex::dossierTelechargements(
+        texteOptionnel([fichiers URLsForDirectory:NSDownloadsDirectory inDomains:NSUserDomainMask]
+                           .firstObject.path),
+        brindex::cocoa::texte(fichiers.homeDirectoryForCurrentUser.path));
+    const std::string nom = brindex::cocoa::texte(suggestedFilename);
     __weak BrindexDelegueTelechargements *faible = self;
     dispatch_async(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
-        if (dossier) (void)[NSFileManager.defaultManager fileExistsAtPath:dossier.path];
+        // The first name the controller will try.
+        const std::string premier =
+            brindex::destinationUnique(dossier, nom, [](const std::string &) { return false; });
+        (void)[NSFileManager.defaultManager fileExistsAtPath:ns(premier)];
         dispatch_async(dispatch_get_main_queue(), ^{
             BrindexDelegueTelechargements *soi = faible;
-            const auto controleur = soi ? soi->_controleur.lock() : nullptr;
-            if (!controleur) {
+            if (!soi) {
                 completionHandler(nil);
                 return;
             }
-            const std::string destination = controleur->destinationTelechargement(
-                [soi entree:download], brindex::cocoa::texte(suggestedFilename));
-            completionHandler([NSURL fileURLWithPath:ns(destination)]);
+            const void *cle = (__bridge const void *)download;
+            const auto controleur = soi->_controleur.lock();
+            const auto entree = soi->_enCours.find(cle);
+            std::optional<std::string> destination;
+            if (controleur && entree != soi->_enCours.end()) {
+                destination = controleur->destinationTelechargement(entree->second, nom);
+            }
+            if (!destination) {
+                // No destination cancels the download.
+                soi->_enCours.erase(cle);
+                completionHandler(nil);
+                return;
+            }
+            completionHandler([NSURL fileURLWithPath:ns(*destination)]);
         });
     });
 }
 
 - (void)downloadDidFinish:(WKDownload *)download {
-    const auto entree = [self entree:download];
-    _enCours.erase((__bridge const void *)download);
+    const auto entree = [self retirer:download];
     if (const auto controleur = _controleur.lock()) controleur->telechargementTermine(*entree);
 }
 
 - (void)download:(WKDownload *)download
     didFailWithError:(NSError *)error
           resumeData:(NSData *)resumeData {
-    const auto entree = [self entree:download];
-    _enCours.erase((__bridge const void *)download);
+    const auto entree = [self retirer:download];
     if (const auto controleur = _controleur.lock()) {
         controleur->telechargementEchoue(*entree,
                                          brindex::cocoa::texte(error.localizedDescription));
@@ -507,6 +534,7 @@ std::optional<std::string> VueWebCocoa::url() const {
 }
 std::optional<std::string> VueWebCocoa::titre() const { return texteOptionnel(webView_.title); }
 double VueWebCocoa::progression() const { return webView_.estimatedProgress; }
+bool VueWebCocoa::aUnePageARecharger() const { return webView_.backForwardList.currentItem != nil; }
 
 void VueWebCocoa::differer(std::function<void(Politique)> repondre) {
     if (auto precedente = std::exchange(enAttente_, nullptr)) precedente(Politique::annuler);

@@ -145,8 +145,12 @@ gboolean PlateformeGtk::surDestination(WebKitDownload* telechargement, char* nom
         webkit_download_cancel(telechargement);
         return TRUE;
     }
-    const std::string destination = c->destinationTelechargement(t, nomSuggere ? nomSuggere : "");
-    webkit_download_set_destination(telechargement, destination.c_str());
+    const auto destination = c->destinationTelechargement(t, nomSuggere ? nomSuggere : "");
+    if (!destination) {
+        webkit_download_cancel(telechargement);
+        return TRUE;
+    }
+    webkit_download_set_destination(telechargement, destination->c_str());
     return TRUE;
 }
 

@@ -203,6 +203,10 @@ std::optional<std::string> VueWebGtk::titre() const {
 double VueWebGtk::progression() const {
     return webkit_web_view_get_estimated_load_progress(vue_.get());
 }
+bool VueWebGtk::aUnePageARecharger() const {
+    return webkit_back_forward_list_get_current_item(
+               webkit_web_view_get_back_forward_list(vue_.get())) != nullptr;
+}
 std::vector<std::string> VueWebGtk::historiqueArriere(std::size_t maximum) const {
     std::vector<std::string> urls;
     WebKitBackForwardList* liste = webkit_web_view_get_back_forward_list(vue_.get());
@@ -431,16 +435,12 @@ void VueWebGtk::surFinProcessus(WebKitWebView*, WebKitWebProcessTerminationReaso
 gboolean VueWebGtk::surEntree(GtkEventControllerLegacy*, GdkEvent* evenement, gpointer donnees) {
     VueWebGtk* vue = soi(donnees);
     const GdkEventType type = gdk_event_get_event_type(evenement);
-    // Escape and modifier keys alone are no request of the user.
-    const bool demande =
-        type == GDK_BUTTON_PRESS || type == GDK_TOUCH_BEGIN ||
-        (type == GDK_KEY_PRESS && gdk_key_event_get_keyval(evenement) != GDK_KEY_Escape &&
-         !gdk_key_event_is_modifier(evenement));
-    if (!demande) return FALSE;
+    const bool touche = type == GDK_KEY_PRESS;
+    if (type != GDK_BUTTON_PRESS && type != GDK_TOUCH_BEGIN && !touche) return FALSE;
     vue->dernierClic_.reset();
     double x = 0;
     double y = 0;
-    if (type != GDK_KEY_PRESS && gdk_event_get_position(evenement, &x, &y)) {
+    if (!touche && gdk_event_get_position(evenement, &x, &y)) {
         // From the surface's coordinates to the view's.
         GtkNative* native = gtk_widget_get_native(vue->widget());
         double dx = 0;
@@ -453,7 +453,12 @@ gboolean VueWebGtk::surEntree(GtkEventControllerLegacy*, GdkEvent* evenement, gp
             vue->dernierClic_ = std::pair<double, double>(point.x, point.y);
         }
     }
-    if (const auto c = vue->controleur_.lock()) c->activationUtilisateur();
+    // Never in a dialog: the application's dialogs and file chooser are windows of their own,
+    // whose presses don't pass through the view (a sheet also makes its window's content
+    // insensitive).
+    const Pression pression{false, touche && gdk_key_event_get_keyval(evenement) == GDK_KEY_Escape,
+                            touche && gdk_key_event_is_modifier(evenement)};
+    if (const auto c = vue->controleur_.lock()) c->pression(pression);
     return FALSE;
 }
 

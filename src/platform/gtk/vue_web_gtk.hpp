@@ -46,6 +46,7 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     std::optional<std::string> url() const override;
     std::optional<std::string> titre() const override;
     double progression() const override;
+    bool aUnePageARecharger() const override;
     void detacher() override;
     void trancher(Politique politique) override;
     std::vector<std::string> historiqueArriere(std::size_t maximum) const override;
