@@ -92,8 +92,7 @@ def main():
         journal_serveur = os.path.join(profil, "requetes.jsonl")
         libre = port_libre()
         oidc, saml = port_libre("127.0.0.2"), port_libre("127.0.0.2")
-        urls_idp = {"BRINDEX_E2E_OIDC": "http://127.0.0.2:%d" % oidc,
-                    "BRINDEX_E2E_SAML": "http://127.0.0.2:%d" % saml}
+        urls_idp = {"BRINDEX_E2E_" + n: "http://127.0.0.2:%d" % p for n, p in [("OIDC", oidc), ("SAML", saml)]}
         serveur = subprocess.Popen(
             [sys.executable, SERVEUR, "--port", "0", "--journal", journal_serveur, "--lent", "3",
              "--second", str(libre)], stdout=subprocess.PIPE, text=True,
@@ -104,11 +103,10 @@ def main():
         if scenario.startswith("connexion"):
             idp = fournisseurs(profil, "http://127.0.0.1:%s/" % premiere[1], oidc, saml)
         env = dict(os.environ)
-        env.update(dossiers)
+        env.update(dossiers, **urls_idp)
         env.pop("DISPLAY", None)
         env.pop("WAYLAND_DISPLAY", None)
         env.pop("DBUS_SESSION_BUS_ADDRESS", None)
-        env.update(urls_idp)
         env.update({
             "BRINDEX_E2E_ESPACE": "http://127.0.0.1:%s/" % premiere[1],
             "BRINDEX_E2E_PROFIL": profil,
@@ -132,10 +130,9 @@ def main():
             if resultat.returncode:
                 sys.exit(resultat.returncode)
     finally:
-        for p in [serveur] + idp:
-            if p:
-                p.terminate()
-                p.wait()
+        for p in filter(None, [serveur] + idp):
+            p.terminate()
+            p.wait()
         if os.environ.get("BRINDEX_E2E_GARDER"):
             print("profile kept in", profil)
         else:
