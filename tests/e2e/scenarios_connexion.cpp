@@ -46,9 +46,10 @@ void connexionSaml(ApplicationGtk& app) {
                  !chercherPartout(app, "bouton-0"),
              "la barre et le titre, sans question");
     // A click elsewhere goes to the browser; a script sending the page elsewhere is refused.
-    script(vue,
-           "document.body.insertAdjacentHTML('afterbegin', '<a id=ailleurs href=https://"
-           "www.brindex.example/aide style=position:fixed;padding:30px>x</a>'); 0");
+    script(
+        vue,
+        "document.body.insertAdjacentHTML('afterbegin', '<a id=ailleurs href=https://"
+        "www.brindex.example/aide style=position:fixed;bottom:0;z-index:9;padding:30px>x</a>'); 0");
     cliquerDans(vue, "#ailleurs");
     attendreOuvert([](const std::string& o) { return o == "https://www.brindex.example/aide"; },
                    "le lien remis au navigateur");
