@@ -117,7 +117,8 @@ bool demandeDeConnexion(const ActionNavigation& action) {
     if (action.type == TypeNavigation::formulaire) return true;
     bool typeReponse = false;
     bool client = false;
-    for (const auto& [nom, valeur] : parametres(action.url.value_or(std::string()))) {
+    const std::string url = action.url.value_or(std::string());
+    for (const auto& [nom, valeur] : parametres(url)) {
         if (nom == "SAMLRequest" || (nom == "wa" && valeur == "wsignin1.0")) return true;
         typeReponse = typeReponse || nom == "response_type";
         client = client || nom == "client_id";

@@ -115,6 +115,7 @@ void Controleur::ouvrirEspace(const Url& url) {
     detruireWebView();
     principaleADejaCharge_ = false;
     erreurReseau_ = false;
+    refuses_.clear();
     sites_ = lireSitesConnexion(
         plateforme_.administration(),
         plateforme_.reglages().lire(std::string(CleEspace::connexionsApprouvees)));

@@ -227,6 +227,8 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     std::map<const VueWeb*, TrajetConnexion> trajets_;
     unsigned numeroTrajet_ = 0;
     std::vector<const VueWeb*> questions_;
+    // Sites the user turned down since the space was opened: not asked about again until then.
+    std::vector<Origine> refuses_;
     std::vector<const VueWeb*> identifications_;
     bool erreurReseau_ = false;
 };

@@ -166,8 +166,9 @@ void Controleur::annulerConnexion(const VueWeb* v) {
 
 Politique Controleur::demanderConnexion(VueWeb& vue, const Origine& site) {
     Fenetre* fenetre = fenetreDe(&vue);
-    // One question at a time: a page can't stack them.
-    if (!fenetre || contient(questions_, &vue)) {
+    // One question at a time, and none again about a site turned down: a page can't nag.
+    if (!fenetre || contient(questions_, &vue) ||
+        std::find(refuses_.begin(), refuses_.end(), site) != refuses_.end()) {
         Journal::ecrire("connexion REFUSEE vers " + hoteAffiche(site));
         return Politique::annuler;
     }
@@ -190,6 +191,7 @@ Politique Controleur::demanderConnexion(VueWeb& vue, const Origine& site) {
             return;
         }
         cible->trancher(Politique::annuler);
+        c->refuses_.push_back(site);
         Journal::ecrire("connexion REFUSEE vers " + hoteAffiche(site));
         // Nothing of the space has shown: the window explains instead of staying blank.
         if (cible == c->webView_ && !c->principaleADejaCharge_) {
