@@ -69,6 +69,9 @@ set(CPACK_DEBIAN_PACKAGE_SECTION web)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE ${BRINDEX_MARQUE_urlSite})
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Spelling is checked in French and English where their dictionaries are installed.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
+    "hunspell-fr | hunspell-dictionary-fr, hunspell-en-us | hunspell-dictionary-en")
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 file(READ ${BRINDEX_DONNEES_LINUX}/debian/description CPACK_DEBIAN_PACKAGE_DESCRIPTION)
 string(STRIP "${CPACK_DEBIAN_PACKAGE_DESCRIPTION}" CPACK_DEBIAN_PACKAGE_DESCRIPTION)

@@ -13,37 +13,69 @@ constexpr ElementMenu element(std::string_view titre, Commande commande, std::st
     return ElementMenu{false, titre, commande, selecteur, touche, masque};
 }
 
+constexpr ElementMenu macos(ElementMenu e) {
+    e.macosSeulement = true;
+    return e;
+}
+
 constexpr std::uint32_t cmd = Modificateur::commande;
+constexpr std::uint32_t cmdMaj = cmd | Modificateur::majuscule;
 
 constexpr std::array application{
     element("À propos de Brindex", Commande::aPropos, "orderFrontStandardAboutPanel:"),
     separateur,
-    element("Masquer Brindex", Commande::masquer, "hide:", "h"),
-    element("Masquer les autres", Commande::masquerAutres, "hideOtherApplications:", "h",
-            cmd | Modificateur::option),
-    element("Tout afficher", Commande::toutAfficher, "unhideAllApplications:"),
+    macos(element("Masquer Brindex", Commande::masquer, "hide:", "h")),
+    macos(element("Masquer les autres", Commande::masquerAutres, "hideOtherApplications:", "h",
+                  cmd | Modificateur::option)),
+    macos(element("Tout afficher", Commande::toutAfficher, "unhideAllApplications:")),
     separateur,
     element("Quitter Brindex", Commande::quitter, "terminate:", "q"),
 };
 
 constexpr std::array fichier{
     element("Fermer la fenêtre", Commande::fermerFenetre, "performClose:", "w"),
+    separateur,
+    element("Imprimer…", Commande::imprimer, "imprimer:", "p"),
 };
+
+// The system's own spelling items, answered by whichever view has the focus.
+constexpr std::array orthographe{
+    element("Afficher l'orthographe et la grammaire", Commande::afficherOrthographe,
+            "showGuessPanel:", ":"),
+    element("Vérifier le document maintenant", Commande::verifierOrthographe,
+            "checkSpelling:", ";"),
+    separateur,
+    element("Vérifier l'orthographe lors de la frappe", Commande::orthographeContinue,
+            "toggleContinuousSpellChecking:"),
+    element("Vérifier la grammaire avec l'orthographe", Commande::grammaire,
+            "toggleGrammarChecking:"),
+    element("Corriger l'orthographe automatiquement", Commande::correctionAutomatique,
+            "toggleAutomaticSpellingCorrection:"),
+};
+constexpr Menu menuOrthographe{"Orthographe et grammaire", "Orthographe et grammaire",
+                               RoleMenu::ordinaire, false, orthographe};
 
 constexpr std::array edition{
     element("Annuler", Commande::annuler, "undo:", "z"),
-    element("Rétablir", Commande::retablir, "redo:", "z", cmd | Modificateur::majuscule),
+    element("Rétablir", Commande::retablir, "redo:", "z", cmdMaj),
     separateur,
     element("Couper", Commande::couper, "cut:", "x"),
     element("Copier", Commande::copier, "copy:", "c"),
     element("Coller", Commande::coller, "paste:", "v"),
     element("Tout sélectionner", Commande::toutSelectionner, "selectAll:", "a"),
+    separateur,
+    element("Rechercher…", Commande::rechercher, "rechercher:", "f"),
+    element("Rechercher le suivant", Commande::rechercherSuivant, "rechercherSuivant:", "g"),
+    element("Rechercher le précédent", Commande::rechercherPrecedent, "rechercherPrecedent:", "g",
+            cmdMaj),
+    separateur,
+    ElementMenu{false, "Orthographe et grammaire", std::nullopt, {}, {}, 0, &menuOrthographe, true},
 };
 
 constexpr std::array affichage{
     element("Recharger la page", Commande::recharger, "recharger:", "r"),
     element("Recharger en ignorant le cache", Commande::rechargerOrigine, "rechargerOrigine:", "r",
-            cmd | Modificateur::majuscule),
+            cmdMaj),
     separateur,
     element("Page précédente", Commande::pagePrecedente, "pagePrecedente:", "["),
     element("Page suivante", Commande::pageSuivante, "pageSuivante:", "]"),
@@ -59,8 +91,7 @@ constexpr std::array affichage{
 };
 
 constexpr std::array espace{
-    element("Changer d'espace…", Commande::changerEspace, "changerEspace:", "k",
-            cmd | Modificateur::majuscule),
+    element("Changer d'espace…", Commande::changerEspace, "changerEspace:", "k", cmdMaj),
 };
 
 constexpr std::array fenetre{
@@ -75,8 +106,9 @@ constexpr std::array aide{
 
 const std::array<Menu, 7> barre{
     Menu{"", "Brindex", RoleMenu::application, false, application},
-    Menu{"Fichier", "Fichier", RoleMenu::ordinaire, false, fichier},
-    Menu{"Édition", "Édition", RoleMenu::ordinaire, false, edition},
+    // Print and find are the controller's; the rest of these two menus goes to the focused view.
+    Menu{"Fichier", "Fichier", RoleMenu::ordinaire, true, fichier},
+    Menu{"Édition", "Édition", RoleMenu::ordinaire, true, edition},
     Menu{"Affichage", "Affichage", RoleMenu::ordinaire, true, affichage},
     Menu{"Espace", "Espace", RoleMenu::ordinaire, true, espace},
     Menu{"Fenêtre", "Fenêtre", RoleMenu::fenetres, false, fenetre},
@@ -117,6 +149,10 @@ bool controleurRepond(Commande commande) {
         case Commande::changerEspace:
         case Commande::ouvrirSite:
         case Commande::ouvrirJournal:
+        case Commande::imprimer:
+        case Commande::rechercher:
+        case Commande::rechercherSuivant:
+        case Commande::rechercherPrecedent:
             return true;
         case Commande::aPropos:
         case Commande::masquer:
@@ -133,6 +169,11 @@ bool controleurRepond(Commande commande) {
         case Commande::pleinEcran:
         case Commande::reduire:
         case Commande::reagrandir:
+        case Commande::afficherOrthographe:
+        case Commande::verifierOrthographe:
+        case Commande::orthographeContinue:
+        case Commande::grammaire:
+        case Commande::correctionAutomatique:
             return false;
     }
     return false;

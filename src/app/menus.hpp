@@ -19,7 +19,9 @@ inline constexpr std::uint32_t option = 0x80000;
 inline constexpr std::uint32_t controle = 0x40000;
 }  // namespace Modificateur
 
-// One row of a menu: a separator, or an item with its command.
+struct Menu;
+
+// One row of a menu: a separator, an item with its command, or an item opening a submenu.
 struct ElementMenu {
     bool separateur = false;
     std::string_view titre;
@@ -30,6 +32,11 @@ struct ElementMenu {
     std::string_view touche;
     // 0 keeps the platform's default, Command alone.
     std::uint32_t masque = 0;
+    // The submenu this item opens (it then has no command).
+    const Menu* sousMenu = nullptr;
+    // Only where it means something: the Dock and the application switcher, the system's
+    // spelling panel are macOS's.
+    bool macosSeulement = false;
 };
 
 // What the platform registers a menu as.

@@ -31,6 +31,16 @@ enum class Commande {
     reagrandir,
     ouvrirSite,
     ouvrirJournal,
+    imprimer,
+    rechercher,
+    rechercherSuivant,
+    rechercherPrecedent,
+    // macOS's spelling and grammar items, answered by the focused view.
+    afficherOrthographe,
+    verifierOrthographe,
+    orthographeContinue,
+    grammaire,
+    correctionAutomatique,
 };
 
 }  // namespace brindex

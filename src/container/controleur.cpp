@@ -6,6 +6,7 @@
 #include "address/texte.hpp"
 #include "brand/adresse_stockee.hpp"
 #include "brand/marque.hpp"
+#include "container/applications.hpp"
 #include "container/echecs.hpp"
 #include "container/politique.hpp"
 #include "container/regles.hpp"
@@ -43,10 +44,12 @@ std::shared_ptr<FenetreSecondaire> FenetreSecondaire::creer(Plateforme& platefor
                                                             std::shared_ptr<VueWeb> webView) {
     std::shared_ptr<FenetreSecondaire> fenetre(new FenetreSecondaire(webView));
     std::weak_ptr<FenetreSecondaire> faible = fenetre;
+    fenetre->recherche_->definirVue(webView);
     fenetre->fenetre_ =
         plateforme.creerFenetreSecondaire(parametres(), std::move(webView), [faible] {
             if (const auto f = faible.lock()) f->fenetreVaFermer();
         });
+    fenetre->fenetre_->attacherRecherche(fenetre->recherche_);
     return fenetre;
 }
 
@@ -55,6 +58,7 @@ ParametresFenetre FenetreSecondaire::parametres() {
 }
 
 void FenetreSecondaire::detacher() {
+    recherche_->definirVue(nullptr);
     webView_->arreter();
     webView_->detacher();
 }
@@ -81,6 +85,7 @@ std::shared_ptr<Controleur> Controleur::creer(Plateforme& plateforme) {
         plateforme.creerFenetrePrincipale(parametresFenetrePrincipale(), [faible] {
             if (const auto c = faible.lock()) c->fenetrePrincipaleVaFermer();
         });
+    controleur->fenetre_->attacherRecherche(controleur->recherche_);
     return controleur;
 }
 
@@ -122,7 +127,9 @@ void Controleur::ouvrirEspace(const Url& url) {
     webView_ = plateforme_.creerVueWeb(
         ParametresVueWeb{true, true, true, std::string(Marque::agentSuffixe)}, nullptr);
     originesWebView_.insert_or_assign(webView_.get(), *origine);
+    if (const auto zoom = zoomRetenu(plateforme_.reglages())) webView_->definirZoom(*zoom);
     fenetre_->montrerEspace(webView_);
+    recherche_->definirVue(webView_);
     webView_->charger(url.texte(), delaiChargement);
 }
 
@@ -169,6 +176,7 @@ void Controleur::montrerErreur(const std::string& detail, std::string_view titre
 
 void Controleur::detruireWebView() {
     if (!webView_) return;
+    recherche_->definirVue(nullptr);
     oublierVue(*webView_);
     webView_->arreter();
     webView_->detacher();
@@ -215,6 +223,22 @@ void Controleur::oublierVue(const VueWeb& vue) {
     attentes_.erase(&vue);
 }
 
+std::optional<Controleur::Place> Controleur::placeDe(const VueWeb& vue) const {
+    if (webView_ && &vue == webView_.get())
+        return Place{webView_, fenetre_.get(), recherche_.get()};
+    if (FenetreSecondaire* secondaire = secondaireDe(vue)) {
+        return Place{secondaire->webView(), secondaire->fenetre().get(), &secondaire->recherche()};
+    }
+    return std::nullopt;
+}
+
+RechercheDansPage& Controleur::rechercheActive() const {
+    for (const auto& secondaire : fenetresSecondaires_) {
+        if (secondaire->fenetre()->estCle()) return secondaire->recherche();
+    }
+    return *recherche_;
+}
+
 std::optional<Origine> Controleur::origineDe(const VueWeb& vue) const {
     const auto entree = originesWebView_.find(&vue);
     if (entree == originesWebView_.end()) return std::nullopt;
@@ -248,7 +272,10 @@ Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action)
             deciderConnexion(vue, action, parUtilisateur, demandeDeConnexion(action))) {
         return *connexion;
     }
-    const auto decision = brindex::deciderAction(action, origineDe(vue), parUtilisateur);
+    auto decision = brindex::deciderAction(action, origineDe(vue), parUtilisateur);
+    if (decision.lienApplication && lienApplication(vue, *decision.lienApplication)) {
+        decision.effet = {};
+    }
     detourner(decision.effet);
     if (decision.siCadrePrincipal && action.url) {
         auto& attentes = attentes_[&vue];
@@ -302,6 +329,7 @@ void Controleur::chargementTermine(VueWeb& vue) {
     if (webView_ && &vue == webView_.get()) principaleADejaCharge_ = true;
     Journal::ecrire(ligneSucces(vue.url()));
     finirConnexionSiEspace(vue);
+    if (const auto place = placeDe(vue)) place->recherche->pageChargee(vue.url());
 }
 
 void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
@@ -430,6 +458,8 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
     }
     auto vue = plateforme_.creerVueWeb(
         ParametresVueWeb{false, false, true, std::string(Marque::agentSuffixe)}, &configuration);
+    // At the main page's zoom.
+    if (webView_) vue->definirZoom(webView_->zoom());
     // A popup is held to its opener's origin, whatever it opens on (about:blank included).
     originesWebView_.insert_or_assign(vue.get(), *origineOuvreur);
     auto secondaire = FenetreSecondaire::creer(plateforme_, vue);
@@ -439,6 +469,7 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
         const auto c = faible.lock();
         if (!c) return;
         c->oublierVue(*fermee.webView());
+        c->impressions_.erase(fermee.fenetre().get());
         auto& liste = c->fenetresSecondaires_;
         liste.erase(std::remove_if(liste.begin(), liste.end(),
                                    [&fermee](const auto& f) { return f.get() == &fermee; }),
@@ -459,6 +490,7 @@ void Controleur::fermerFenetresSecondaires() {
     const auto prises = std::exchange(fenetresSecondaires_, {});
     for (const auto& secondaire : prises) {
         oublierVue(*secondaire->webView());
+        impressions_.erase(secondaire->fenetre().get());
         secondaire->fermer();
     }
 }
@@ -494,7 +526,11 @@ void Controleur::accueil() {
 }
 
 void Controleur::ajusterZoom(double (*regle)(double)) {
-    if (const auto vue = webViewActive()) vue->definirZoom(regle(vue->zoom()));
+    const auto vue = webViewActive();
+    if (!vue) return;
+    vue->definirZoom(regle(vue->zoom()));
+    // The space keeps its main page's zoom.
+    if (vue == webView_) retenirZoom(plateforme_.reglages(), vue->zoom());
 }
 
 void Controleur::zoomPlus() {
@@ -514,6 +550,103 @@ void Controleur::ouvrirSite() {
 }
 void Controleur::ouvrirJournal() {
     plateforme_.reveler(Journal::chemin());
+}
+void Controleur::rechercher() {
+    rechercheActive().ouvrir();
+}
+void Controleur::rechercherSuivant() {
+    rechercheActive().suivant();
+}
+void Controleur::rechercherPrecedent() {
+    rechercheActive().precedent();
+}
+
+void Controleur::imprimer() {
+    if (const auto vue = webViewActive()) {
+        if (const auto place = placeDe(*vue)) ouvrirImpression(*place, true);
+    }
+}
+
+// ---- Find and print ----
+
+void Controleur::resultatRecherche(VueWeb& vue, bool trouve, std::optional<unsigned> nombre) {
+    if (const auto place = placeDe(vue)) place->recherche->resultat(trouve, nombre);
+}
+
+void Controleur::impressionDemandee(VueWeb& vue) {
+    const auto place = placeDe(vue);
+    if (place) ouvrirImpression(*place, actionUtilisateurDisponible(std::nullopt));
+}
+
+void Controleur::ouvrirImpression(const Place& place, bool parUtilisateur) {
+    switch (
+        deciderImpression(impressions_[place.fenetre], parUtilisateur, plateforme_.maintenant())) {
+        case DecisionImpression::ignorer:
+            return;
+        case DecisionImpression::refuser:
+            Journal::ecrire("impression REFUSEE sans action de l'utilisateur");
+            return;
+        case DecisionImpression::ouvrir:
+            break;
+    }
+    // The press that asked for it is spent.
+    activation_.reset();
+    std::weak_ptr<Controleur> faible = weak_from_this();
+    const Fenetre* fenetre = place.fenetre;
+    // Printed to a file, the page goes beside the downloads, named after its title.
+    const std::string dossier = dossierTelechargements(plateforme_.dossierTelechargements(),
+                                                       plateforme_.dossierPersonnel());
+    const std::string nom = nomDeFichierSur(extrait(titreFenetre(place.vue->titre()), 100, 1));
+    const std::string fichier = destinationUnique(
+        dossier, nom + ".pdf", [this](const std::string& c) { return plateforme_.existe(c); });
+    place.vue->imprimer(fichier, [faible, fenetre] {
+        const auto c = faible.lock();
+        if (!c) return;
+        if (const auto etat = c->impressions_.find(fenetre); etat != c->impressions_.end()) {
+            etat->second.dialogueOuvert = false;
+        }
+    });
+}
+
+void Controleur::impressionEchouee(VueWeb& vue, const std::string& description) {
+    Journal::ecrire("impression ECHEC " + description);
+    if (const auto place = placeDe(vue)) {
+        place->fenetre->feuille(alerteSimple("Impression impossible", description));
+    }
+}
+
+// ---- Links to the system's applications ----
+
+bool Controleur::lienApplication(VueWeb& vue, const std::string& url) {
+    const std::string scheme = enMinuscules(schemeDe(url).value_or(""));
+    const auto application = plateforme_.applicationPour(url);
+    const auto retenus = schemesApprouves(plateforme_.reglages());
+    const bool retenu = std::find(retenus.begin(), retenus.end(), scheme) != retenus.end();
+    const auto place = placeDe(vue);
+    switch (deciderLienApplication(scheme, application.has_value() && place, retenu)) {
+        case ChoixLienApplication::refuser:
+            return false;
+        case ChoixLienApplication::ouvrir:
+            activation_.reset();
+            plateforme_.ouvrirUrl(url);
+            return true;
+        case ChoixLienApplication::demander:
+            break;
+    }
+    activation_.reset();
+    Alerte question = alerteSimple(
+        "Ouvrir ce lien avec " + extrait(*application, caracteresNomApplication, 1) + " ?", url);
+    question.boutons = {"Ouvrir", "Annuler"};
+    question.boutonEchap = 1;
+    question.caseACocher = "Toujours ouvrir les liens « " + scheme + ": » avec cette application";
+    std::weak_ptr<Controleur> faible = weak_from_this();
+    place->fenetre->feuille(question, [faible, url, scheme](ReponseAlerte reponse) {
+        const auto c = faible.lock();
+        if (!c || reponse.bouton != 0) return;
+        if (reponse.caseCochee) approuverScheme(c->plateforme_.reglages(), scheme);
+        c->plateforme_.ouvrirUrl(url);
+    });
+    return true;
 }
 
 bool Controleur::executer(Commande commande) {
@@ -551,6 +684,18 @@ bool Controleur::executer(Commande commande) {
         case Commande::ouvrirJournal:
             ouvrirJournal();
             return true;
+        case Commande::imprimer:
+            imprimer();
+            return true;
+        case Commande::rechercher:
+            rechercher();
+            return true;
+        case Commande::rechercherSuivant:
+            rechercherSuivant();
+            return true;
+        case Commande::rechercherPrecedent:
+            rechercherPrecedent();
+            return true;
         case Commande::aPropos:
         case Commande::masquer:
         case Commande::masquerAutres:
@@ -566,6 +711,11 @@ bool Controleur::executer(Commande commande) {
         case Commande::pleinEcran:
         case Commande::reduire:
         case Commande::reagrandir:
+        case Commande::afficherOrthographe:
+        case Commande::verifierOrthographe:
+        case Commande::orthographeContinue:
+        case Commande::grammaire:
+        case Commande::correctionAutomatique:
             return false;
     }
     return false;

@@ -13,8 +13,10 @@
 #include "address/url.hpp"
 #include "container/commandes.hpp"
 #include "container/connexion.hpp"
+#include "container/impression.hpp"
 #include "container/politique.hpp"
 #include "container/ports.hpp"
+#include "container/recherche.hpp"
 
 namespace brindex {
 
@@ -28,6 +30,8 @@ class FenetreSecondaire : public std::enable_shared_from_this<FenetreSecondaire>
 
     const std::shared_ptr<Fenetre>& fenetre() const { return fenetre_; }
     const std::shared_ptr<VueWeb>& webView() const { return webView_; }
+    // The window's find bar, on its page.
+    RechercheDansPage& recherche() const { return *recherche_; }
 
     // Runs when the window closes by itself (close button, or the page's request).
     std::function<void(FenetreSecondaire&)> onFermeture;
@@ -45,6 +49,7 @@ class FenetreSecondaire : public std::enable_shared_from_this<FenetreSecondaire>
 
     std::shared_ptr<Fenetre> fenetre_;
     std::shared_ptr<VueWeb> webView_;
+    std::shared_ptr<RechercheDansPage> recherche_ = std::make_shared<RechercheDansPage>();
 };
 
 // The one controller: owns the main window and decides what it shows, keeps every web view on
@@ -69,6 +74,8 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     std::shared_ptr<VueWeb> webViewActive() const;
     // The main window is about to close.
     void fenetrePrincipaleVaFermer();
+    // The main window's find bar.
+    RechercheDansPage& recherche() const { return *recherche_; }
 
     std::optional<Url> adresseEspace() const;
     void definirAdresseEspace(const std::optional<Url>& url);
@@ -117,8 +124,19 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     void changerEspace();
     void ouvrirSite();
     void ouvrirJournal();
+    void imprimer();
+    void rechercher();
+    void rechercherSuivant();
+    void rechercherPrecedent();
     // Runs one of the controller's commands; false for a command it doesn't answer.
     bool executer(Commande commande);
+
+    // ---- Find and print ----
+    // The engine's answer to the oldest search of the page not yet answered.
+    void resultatRecherche(VueWeb& vue, bool trouve, std::optional<unsigned> nombre);
+    // The page asks to be printed (window.print()).
+    void impressionDemandee(VueWeb& vue);
+    void impressionEchouee(VueWeb& vue, const std::string& description);
 
     // ---- Page dialogs ----
     void alerteScript(const std::string& message, std::function<void()> fin);
@@ -160,6 +178,18 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
 
   private:
     explicit Controleur(Plateforme& plateforme) : plateforme_(plateforme) {}
+    // A web view with its window and that window's find bar.
+    struct Place {
+        std::shared_ptr<VueWeb> vue;
+        Fenetre* fenetre;
+        RechercheDansPage* recherche;
+    };
+    std::optional<Place> placeDe(const VueWeb& vue) const;
+    // Where page commands act: a key secondary window, else the main window.
+    RechercheDansPage& rechercheActive() const;
+    void ouvrirImpression(const Place& place, bool parUtilisateur);
+    // A clicked link for another application: true when it is opened or asked about.
+    bool lienApplication(VueWeb& vue, const std::string& url);
     std::optional<Origine> origineDe(const VueWeb& vue) const;
     void ajusterZoom(double (*regle)(double));
     // Whether an action of the user is there to be spent (and the engine doesn't deny it).
@@ -196,7 +226,10 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
 
     Plateforme& plateforme_;
     std::shared_ptr<FenetrePrincipale> fenetre_;
+    std::shared_ptr<RechercheDansPage> recherche_ = std::make_shared<RechercheDansPage>();
     std::shared_ptr<VueWeb> webView_;
+    // Each window's print dialog and pages printing on their own.
+    std::map<const Fenetre*, EtatImpression> impressions_;
     std::map<const Telechargement*, EntreeTelechargement> telechargements_;
     std::vector<std::shared_ptr<FenetreSecondaire>> fenetresSecondaires_;
     std::map<const VueWeb*, Origine> originesWebView_;

@@ -33,7 +33,9 @@ DecisionAction deciderAction(const ActionNavigation& action,
         return decision;
     }
     if (scheme != "http" && scheme != "https") {
-        return {Politique::annuler, {{}, "navigation REFUSEE scheme=" + scheme}, {}};
+        DecisionAction refus{Politique::annuler, {{}, "navigation REFUSEE scheme=" + scheme}, {}};
+        if (lienClique) refus.lienApplication = *action.url;
+        return refus;
     }
     // Embedded frames may show any site; only what fills the view is held to its origin.
     if (action.cible == CadreCible::sousCadre) return etapeFinale(action);

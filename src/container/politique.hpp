@@ -21,6 +21,9 @@ struct DecisionAction {
     // For a frame the engine doesn't name: allowed as a sub-frame may be; if the response shows
     // that the main frame was navigating, it is refused then and this is done instead.
     std::optional<Detournement> siCadrePrincipal;
+    // A link the user clicked, of a scheme some application of the system may take: the
+    // controller looks for that application before the refusal stands.
+    std::optional<std::string> lienApplication = std::nullopt;
 };
 
 // Keeps a web view on its recorded origin: clicked links elsewhere go to the default browser,

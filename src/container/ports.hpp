@@ -161,6 +161,11 @@ using FichiersChoisis = std::optional<std::vector<std::string>>;
 
 // ---- Platform objects ----
 
+// A search of the page's text: a new one from the top, or a step to the next or previous match.
+enum class SensRecherche { nouvelle, suivante, precedente };
+
+class RechercheDansPage;
+
 // A web view. Its identity is the object's address.
 class VueWeb {
   public:
@@ -187,6 +192,17 @@ class VueWeb {
     // The addresses of the back list, most recent first, at most `maximum` of them.
     virtual std::vector<std::string> historiqueArriere(std::size_t maximum) const = 0;
     virtual void reculerDe(std::size_t pas) = 0;
+
+    // Finds the text in the page, case-insensitively and wrapping around, and selects the match;
+    // the engine answers each search once, in order (Controleur::resultatRecherche).
+    virtual void chercher(const std::string& texte, SensRecherche sens) = 0;
+    // Takes the highlights of the last search away.
+    virtual void finirRecherche() = 0;
+    // Gives the page the keyboard focus.
+    virtual void focaliser() = 0;
+    // The platform's print dialog for this page, on its window, suggesting `fichierPdf` where it
+    // prints to a file; `ferme` runs once when the dialog closes, printed or not.
+    virtual void imprimer(const std::string& fichierPdf, std::function<void()> ferme) = 0;
 };
 
 // What the engine supplies when a page asks for a new window (the opener's configuration);
@@ -239,6 +255,9 @@ class Fenetre {
     // A bar above the page, outside it, with its text and an "Annuler" button; none: hidden.
     virtual void barreConnexion(const std::optional<std::string>& texte,
                                 std::function<void()> annuler) = 0;
+    // The platform draws the window's find bar, hidden, above the page, sends it the user's
+    // input and calls `recherche->attacher` with its widgets.
+    virtual void attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) = 0;
 };
 
 // The main window shows exactly one of three screens.
@@ -270,6 +289,9 @@ class Plateforme {
 
     // The default browser, or the mail or telephone handler.
     virtual void ouvrirUrl(const std::string& url) = 0;
+    // The name of the application the system opens this URL with, other than this one; nothing
+    // when there is none.
+    virtual std::optional<std::string> applicationPour(const std::string& url) = 0;
     // Shows the file selected in the file manager.
     virtual void reveler(const std::string& chemin) = 0;
     // An application-modal alert; `reponse` runs once it is closed.

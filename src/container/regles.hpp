@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace brindex {
 
@@ -39,6 +40,13 @@ inline constexpr std::chrono::seconds dureeActivation{5};
 inline constexpr unsigned fenetresRefuseesNotees = 20;
 // A content process that ends again this soon after the previous end is not reloaded again.
 inline constexpr std::chrono::seconds delaiRechuteProcessus{30};
+
+// The languages spelling is checked in: the user's locale's (from the most to the least
+// precise names the system gives, "fr_CA.UTF-8", "fr_CA", "fr", "C"), then French and English
+// unless the locale already has them. The engine keeps those whose dictionary is installed.
+std::vector<std::string> languesOrthographe(const std::vector<std::string>& nomsLocale);
+// The log line that says which languages the engine took.
+std::string ligneOrthographe(const std::vector<std::string>& languesRetenues);
 
 // What a native dialog shows of a text a page or a server chose.
 inline constexpr std::size_t caracteresDialogueMax = 1000;

@@ -212,6 +212,63 @@ TEST_F(Navigation, FenetresSecondairesTenuesALOrigineDeLOuvreurEtFermees) {
     EXPECT_FALSE(fenetre().fermee);
 }
 
+// A link of the space to another application of the system (a meeting, a chat).
+TEST_F(Navigation, LiensVersLesApplicationsDuSysteme) {
+    auto& vue = espaceCharge("https://espace.example/wiki");
+    for (const char* s : {"msteams", "zoommtg", "file", "javascript", "data", "blob", "about"}) {
+        p.applications[s] = std::string(5000, 'T');  // a name as long as any record may give
+    }
+    // Approvals as stored, the forbidden and the malformed among them.
+    p.reglages_.valeurs["schemesApprouves"] = "zoommtg file java$cript about";
+    // clang-format off
+    // URL, clicked by the user, then: asked, URL handed to the system, log line.
+    const std::tuple<const char*, bool, bool, const char*, const char*> table[] = {
+        {"MSTEAMS:/l/meetup-join/1", true, true, nullptr, nullptr},
+        {"msteams:/l/meetup-join/1", false, false, nullptr, "navigation REFUSEE scheme=msteams"},
+        {"zoommtg://zoom.us/join?confno=1", true, false, "zoommtg://zoom.us/join?confno=1", nullptr},
+        {"zoommtg://zoom.us/join?confno=1", false, false, nullptr, "navigation REFUSEE scheme=zoommtg"},
+        {"slack://open", true, false, nullptr, "navigation REFUSEE scheme=slack"},
+        {"file:///etc/passwd", true, false, nullptr, "navigation REFUSEE scheme=file"},
+        {"javascript:alert(1)", true, false, nullptr, "navigation REFUSEE scheme=javascript"},
+        {"data:text/html,x", true, false, nullptr, "navigation REFUSEE scheme=data"},
+        {"blob:https://espace.example/1", true, false, nullptr, "navigation REFUSEE scheme=blob"},
+        {"about:blank", true, false, nullptr, "navigation REFUSEE scheme=about"}};
+    // clang-format on
+    for (const auto& [url, clic, demande, ouverte, ligne] : table) {
+        ligneSuivante();
+        const auto questions = fenetre().feuilles.size();
+        if (clic) controleur->activationUtilisateur();
+        EXPECT_EQ(controleur->deciderAction(vue, {url, lienActive, principal, false, {}}), annuler);
+        EXPECT_EQ(fenetre().feuilles.size() - questions, demande ? 1u : 0u) << url;
+        EXPECT_EQ(p.urlsOuvertes, liste(ouverte)) << url;
+        EXPECT_EQ(nouvellesLignes(), liste(ligne)) << url;
+    }
+    // The question: a bounded name; "Annuler" opens nothing, "Ouvrir" with the box checked opens
+    // and keeps the answer for the space.
+    const auto demander = [&] {
+        ligneSuivante();
+        controleur->activationUtilisateur();
+        controleur->deciderAction(vue, {"msteams:/l/2", lienActive, principal, false, {}});
+    };
+    EXPECT_LT(fenetre().feuilles.at(0).message.size(), 300u);
+    EXPECT_EQ(fenetre().feuilles.at(0).caseACocher,
+              "Toujours ouvrir les liens « msteams: » avec cette application");
+    ReponseAlerte reponse;
+    reponse.bouton = 1;
+    fenetre().reponsesEnAttente.at(0)(reponse);
+    EXPECT_TRUE(p.urlsOuvertes.empty());
+    reponse.bouton = 0;
+    reponse.caseCochee = true;
+    demander();
+    fenetre().reponsesEnAttente.back()(reponse);
+    EXPECT_EQ(p.urlsOuvertes, liste("msteams:/l/2"));
+    const auto questions = fenetre().feuilles.size();
+    demander();
+    EXPECT_EQ(p.urlsOuvertes, liste("msteams:/l/2"));
+    EXPECT_EQ(fenetre().feuilles.size(), questions) << "not asked again";
+    EXPECT_EQ(p.reglages_.valeurs["schemesApprouves"], "zoommtg msteams");
+}
+
 namespace fs = std::filesystem;
 
 class Telechargements : public ControleurTest {

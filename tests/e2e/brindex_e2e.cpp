@@ -537,32 +537,37 @@ int main(int argc, char** argv) {
         std::cerr << "ÉCHEC : " << e.what() << "\n";
         return 1;
     }
-    brindex::gtk::ApplicationGtk application;
     struct Contexte {
         brindex::gtk::ApplicationGtk* application;
-        const Scenario* scenario;
+        const std::function<void(brindex::gtk::ApplicationGtk&)>* etape;
         int statut;
-    } contexte{&application, &scenario, 0};
-    // The scenario runs once the launch is over, from the main loop.
-    application.apresLancement = [&contexte] {
-        suivreMessages(*contexte.application);
-        g_idle_add_once(
-            [](gpointer d) {
-                auto* c = static_cast<Contexte*>(d);
-                try {
-                    c->scenario->deroulement(*c->application);
-                } catch (const std::exception& e) {
-                    std::cerr << "ÉCHEC : " << e.what() << "\n";
-                    c->statut = 1;
-                }
-                g_application_quit(G_APPLICATION(c->application->application()));
-            },
-            &contexte);
-    };
+    } contexte{nullptr, &scenario.deroulement, 0};
     // A launcher may pass a file or an address: the application ignores it.
     char ignore[] = "document-ignore.pdf";
     char* arguments[] = {argv[0], ignore, nullptr};
-    application.executer(2, arguments);
+    for (const auto* etape : {&scenario.deroulement, &scenario.relance}) {
+        if (!*etape || contexte.statut != 0) break;
+        brindex::gtk::ApplicationGtk application;
+        contexte.application = &application;
+        contexte.etape = etape;
+        // The step runs once the launch is over, from the main loop.
+        application.apresLancement = [&contexte] {
+            suivreMessages(*contexte.application);
+            g_idle_add_once(
+                [](gpointer d) {
+                    auto* c = static_cast<Contexte*>(d);
+                    try {
+                        (*c->etape)(*c->application);
+                    } catch (const std::exception& e) {
+                        std::cerr << "ÉCHEC : " << e.what() << "\n";
+                        c->statut = 1;
+                    }
+                    g_application_quit(G_APPLICATION(c->application->application()));
+                },
+                &contexte);
+        };
+        application.executer(2, arguments);
+    }
     if (contexte.statut == 0) std::cout << "scénario réussi : " << argv[1] << "\n";
     return contexte.statut;
 }

@@ -29,6 +29,20 @@ QUITTER = page("Brouillon", """
 <script>addEventListener("beforeunload", e => { e.preventDefault(); e.returnValue = ""; });
 </script>""")
 
+# A page of the knowledge base as staff use it: a word to find, print buttons (one that prints in
+# a loop), a meeting link and a French text field.
+BUREAU = page("Compte rendu", """
+<section><p id="m1">Une brindille au départ.</p><p id="m2">Puis une Brindille encore.</p>
+<p id="m3">Enfin la BRINDILLE.</p>
+<button id="imprimer" onclick="print()">Imprimer</button>
+<button id="boucle" onclick="for (let i = 0; i < 200; i++) print()">Imprimer sans fin</button>
+<button id="fenetre" onclick="window.open('/hostile/bureau')">Autre fenêtre</button>
+<p><a id="reunion" href="msteams:/l/meetup-join/19%3Areunion">Rejoindre la réunion</a></p>
+<textarea id="note" lang="fr" rows="2" cols="30"
+ style="background:#fff;color:#000;font:24px serif;border:0"></textarea></section>
+<script>window.touches = ""; addEventListener("keydown", e => { window.touches += e.key; });
+</script>""")
+
 CLICS = page("Clics de script", """
 <section><a id="a" href="%sa">a</a> <a id="m" href="mailto:x@brindex.example">m</a>
 <button id="flot" onclick="for (let i = 0; i < 300; i++) window.open('/fenetre')">Flot</button>
@@ -136,6 +150,9 @@ class EspaceHostile(espace_demo.Espace):
             lien = ('href="/hostile/haut" target="_top"' if "n" in parametres
                     else 'href="/hostile/cadre?n=2"')
             self.repondre(200, CADRE % lien)
+        elif adresse.path == "/hostile/bureau":
+            self.noter()
+            self.repondre(200, BUREAU)
         elif adresse.path == "/hostile/clics":
             self.noter()
             self.repondre(200, CLICS)

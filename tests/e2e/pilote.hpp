@@ -193,8 +193,10 @@ inline void cliquerDans(WebKitWebView* vue, const std::string& selecteur) {
                  "'); e.scrollIntoView({block: 'nearest'}); const r = e.getBoundingClientRect();"
                  " return (r.left + r.width / 2) + ' ' + (r.top + r.height / 2); })()");
     const auto espace = centre.find(' ');
-    cliquerA(GTK_WIDGET(vue), std::stod(centre.substr(0, espace)),
-             std::stod(centre.substr(espace + 1)));
+    // The page's pixels are the view's, zoomed.
+    const double zoom = webkit_web_view_get_zoom_level(vue);
+    cliquerA(GTK_WIDGET(vue), std::stod(centre.substr(0, espace)) * zoom,
+             std::stod(centre.substr(espace + 1)) * zoom);
 }
 
 inline void cliquerWidget(GtkWidget* widget) {
@@ -316,10 +318,12 @@ inline GtkWidget* alerte(gtk::ApplicationGtk& app, double secondes = 20) {
 // ---- Scenarios ----
 
 // One scenario: what to prepare before the application starts, then what to do once its
-// launch is over.
+// launch is over, and after a restart if asked.
 struct Scenario {
     std::function<void()> avant;
     std::function<void(gtk::ApplicationGtk&)> deroulement;
+    // Once the application has ended: started again in the same profile, and this done.
+    std::function<void(gtk::ApplicationGtk&)> relance = nullptr;
 };
 
 inline std::map<std::string, Scenario>& scenarios() {

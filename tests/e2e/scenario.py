@@ -46,7 +46,8 @@ def preparer_profil(profil):
     applications = os.path.join(dossiers["XDG_DATA_HOME"], "applications")
     os.makedirs(applications)
     types = ["x-scheme-handler/http", "x-scheme-handler/https", "x-scheme-handler/mailto",
-             "x-scheme-handler/tel", "inode/directory", "application/pdf"]
+             "x-scheme-handler/tel", "x-scheme-handler/msteams", "inode/directory",
+             "application/pdf"]
     with open(os.path.join(applications, "enregistreur.desktop"), "w") as f:
         f.write("[Desktop Entry]\nType=Application\nName=Enregistreur\n"
                 "Exec=%s %%u\nMimeType=%s;\nNoDisplay=true\n" % (enregistreur, ";".join(types)))

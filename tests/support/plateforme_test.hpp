@@ -4,11 +4,13 @@
 // engine and the user.
 
 #include <algorithm>
+#include <cctype>
 #include <deque>
 #include <filesystem>
 #include <map>
 
 #include "container/ports.hpp"
+#include "container/recherche.hpp"
 
 namespace brindex::test {
 
@@ -61,12 +63,23 @@ struct VueWebTest : VueWeb {
     void trancher(Politique p) override { tranchees.push_back(p); }
     std::vector<std::string> historiqueArriere(std::size_t) const override { return arriere; }
     void reculerDe(std::size_t n) override { actions.push_back("reculerDe " + std::to_string(n)); }
+    void chercher(const std::string& t, SensRecherche s) override { recherches.emplace_back(t, s); }
+    void finirRecherche() override { actions.push_back("finirRecherche"); }
+    void focaliser() override { actions.push_back("focaliser"); }
+    void imprimer(const std::string& f, std::function<void()> ferme) override {
+        fichiersImpression.push_back(f);
+        impressions.push_back(std::move(ferme));
+    }
 
     bool creeeAvecConfiguration, detachee = false, pageCourante = false;
     std::vector<Politique> tranchees;
     std::vector<std::string> arriere;
     std::vector<std::pair<std::string, double>> chargements;
     std::vector<std::string> actions;
+    std::vector<std::pair<std::string, SensRecherche>> recherches;
+    // What each print dialog shown runs when it closes.
+    std::vector<std::function<void()>> impressions;
+    std::vector<std::string> fichiersImpression;
     std::optional<std::string> urlCourante, titreCourant;
     double progressionCourante = 0, zoom_ = 1.0;
 };
@@ -124,6 +137,7 @@ struct FenetreTest : FenetrePrincipale {
         feuilles.push_back(a);
         reponsesEnAttente.push_back(std::move(reponse));
     }
+    void attacherRecherche(std::shared_ptr<RechercheDansPage> r) override { recherche = r; }
     void montrerConfiguration(std::shared_ptr<VueConfiguration> vue) override {
         montrer(Ecran::configuration, "ecran configuration");
         (configuration = std::move(vue))->attacher(controles = ControlesTest{});
@@ -159,6 +173,7 @@ struct FenetreTest : FenetrePrincipale {
     ControlesTest controles;
     std::shared_ptr<VueErreur> erreur;
     std::vector<Alerte> feuilles;
+    std::shared_ptr<RechercheDansPage> recherche;
     // What each sheet runs when it closes, in the order they were shown.
     std::vector<std::function<void(ReponseAlerte)>> reponsesEnAttente;
 };
@@ -184,6 +199,12 @@ struct PlateformeTest : Plateforme, Temoin {
         return fenetre;
     }
     void ouvrirUrl(const std::string& url) override { urlsOuvertes.push_back(url); }
+    std::optional<std::string> applicationPour(const std::string& url) override {
+        std::string scheme = url.substr(0, url.find(':'));
+        for (char& c : scheme) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        const auto a = applications.find(scheme);
+        return a == applications.end() ? std::nullopt : std::optional(a->second);
+    }
     void reveler(const std::string& chemin) override { reveles.push_back(chemin); }
     void alerte(const Alerte& a, std::function<void(ReponseAlerte)> reponse) override {
         alertes.push_back(a);
@@ -229,6 +250,8 @@ struct PlateformeTest : Plateforme, Temoin {
     std::vector<std::shared_ptr<FenetreTest>> principales, secondaires;
     std::vector<std::shared_ptr<VueWebTest>> vues;
     std::vector<std::string> urlsOuvertes, reveles;
+    // The system's application for each scheme.
+    std::map<std::string, std::string> applications;
     std::vector<Alerte> alertes;
     // Answers to the next alerts and file choices; one without stays unanswered.
     std::deque<ReponseAlerte> reponsesAlertes;

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "container/ports.hpp"
+#import "platform/cocoa/recherche_cocoa.h"
 
 // Tells its owner that the window is about to close. NSWindow holds its delegate weakly: the
 // C++ window object owns this one.
@@ -40,13 +41,18 @@ class FenetreCocoa : public Interface {
     // Under the title bar, above whatever the window shows.
     void barreConnexion(const std::optional<std::string> &texte,
                         std::function<void()> annuler) override;
+    void attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) override;
 
    protected:
+    // The find bar has just been made: where it goes.
+    virtual void barreAttachee() {}
+
     NSWindow *fenetre_;
     BrindexDelegueFenetre *delegue_;
     NSTitlebarAccessoryViewController *barreConnexion_ = nil;
     NSTextField *texteConnexion_ = nil;
     BrindexCible *annulerConnexion_ = nil;
+    BrindexBarreRecherche *barreRecherche_ = nil;
 };
 
 // The main window: one of three screens as its content view.
@@ -71,8 +77,12 @@ class FenetreSecondaireCocoa : public FenetreCocoa<Fenetre> {
     FenetreSecondaireCocoa(const ParametresFenetre &parametres, std::shared_ptr<VueWeb> vue,
                            std::function<void()> vaFermer);
 
+   protected:
+    void barreAttachee() override;
+
    private:
     std::shared_ptr<VueWeb> vue_;
+    NSStackView *colonne_ = nil;
 };
 
 // An alert built from the core's description, and what its answer is read from.

@@ -233,6 +233,12 @@ void FenetreCocoa<Interface>::barreConnexion(const std::optional<std::string> &t
     annulerConnexion_.action = std::move(annuler);
 }
 
+template <typename Interface>
+void FenetreCocoa<Interface>::attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) {
+    barreRecherche_ = [[BrindexBarreRecherche alloc] initAvecRecherche:std::move(recherche)];
+    barreAttachee();
+}
+
 template class FenetreCocoa<FenetrePrincipale>;
 template class FenetreCocoa<Fenetre>;
 
@@ -262,8 +268,11 @@ void FenetrePrincipaleCocoa::montrerEspace(std::shared_ptr<VueWeb> vue) {
     conteneur.wantsLayer = YES;
     conteneur.layer.backgroundColor = couleur(Marque::fond).CGColor;
     WKWebView *web = cocoa->webView();
-    web.translatesAutoresizingMaskIntoConstraints = NO;
-    [conteneur addSubview:web];
+    // The window's find bar above the page; it moves here from the screen before.
+    NSStackView *pile = colonne(web);
+    if (barreRecherche_) placerEnTete(pile, barreRecherche_);
+    pile.translatesAutoresizingMaskIntoConstraints = NO;
+    [conteneur addSubview:pile];
     barre_ = [[NSProgressIndicator alloc] initWithFrame:NSZeroRect];
     barre_.style = NSProgressIndicatorStyleBar;
     barre_.indeterminate = NO;
@@ -275,11 +284,11 @@ void FenetrePrincipaleCocoa::montrerEspace(std::shared_ptr<VueWeb> vue) {
     // Added second, so that it lies over the web view's top edge.
     [conteneur addSubview:barre_];
     [NSLayoutConstraint activateConstraints:@[
-        [web.topAnchor constraintEqualToAnchor:conteneur.topAnchor],
-        [web.bottomAnchor constraintEqualToAnchor:conteneur.bottomAnchor],
-        [web.leadingAnchor constraintEqualToAnchor:conteneur.leadingAnchor],
-        [web.trailingAnchor constraintEqualToAnchor:conteneur.trailingAnchor],
-        [barre_.topAnchor constraintEqualToAnchor:conteneur.topAnchor],
+        [pile.topAnchor constraintEqualToAnchor:conteneur.topAnchor],
+        [pile.bottomAnchor constraintEqualToAnchor:conteneur.bottomAnchor],
+        [pile.leadingAnchor constraintEqualToAnchor:conteneur.leadingAnchor],
+        [pile.trailingAnchor constraintEqualToAnchor:conteneur.trailingAnchor],
+        [barre_.topAnchor constraintEqualToAnchor:web.topAnchor],
         [barre_.leadingAnchor constraintEqualToAnchor:conteneur.leadingAnchor],
         [barre_.trailingAnchor constraintEqualToAnchor:conteneur.trailingAnchor],
     ]];
@@ -307,14 +316,17 @@ FenetreSecondaireCocoa::FenetreSecondaireCocoa(const ParametresFenetre &parametr
     : FenetreCocoa(parametres, std::move(vaFermer)), vue_(std::move(vue)) {
     if (auto *cocoa = dynamic_cast<VueWebCocoa *>(vue_.get())) {
         WKWebView *web = cocoa->webView();
-        web.translatesAutoresizingMaskIntoConstraints = YES;
-        web.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
-        web.frame = fenetre_.contentLayoutRect;
-        [fenetre_.contentView addSubview:web];
+        // The page under the window's own bars.
+        colonne_ = colonne(web);
+        fenetre_.contentView = colonne_;
         [fenetre_ makeFirstResponder:web];
     }
     [fenetre_ center];
     [fenetre_ makeKeyAndOrderFront:nil];
+}
+
+void FenetreSecondaireCocoa::barreAttachee() {
+    if (colonne_) placerEnTete(colonne_, barreRecherche_);
 }
 
 }  // namespace brindex::cocoa

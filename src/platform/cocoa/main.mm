@@ -67,6 +67,18 @@ using brindex::cocoa::ns;
 - (void)ouvrirJournal:(id)sender {
     [self executer:Commande::ouvrirJournal];
 }
+- (void)imprimer:(id)sender {
+    [self executer:Commande::imprimer];
+}
+- (void)rechercher:(id)sender {
+    [self executer:Commande::rechercher];
+}
+- (void)rechercherSuivant:(id)sender {
+    [self executer:Commande::rechercherSuivant];
+}
+- (void)rechercherPrecedent:(id)sender {
+    [self executer:Commande::rechercherPrecedent];
+}
 
 @end
 
@@ -124,27 +136,40 @@ class CoquilleCocoa : public brindex::Coquille {
     return brindex::reouvrir(*_controleur, flag);
 }
 
+// One menu of the table, its submenus within.
+- (NSMenu *)menuDe:(const brindex::Menu &)menu {
+    NSMenu *sousMenu =
+        menu.titre.empty() ? [[NSMenu alloc] init] : [[NSMenu alloc] initWithTitle:ns(menu.titre)];
+    for (const brindex::ElementMenu &element : menu.elements) {
+        if (element.separateur) {
+            [sousMenu addItem:[NSMenuItem separatorItem]];
+            continue;
+        }
+        if (element.sousMenu) {
+            NSMenuItem *item = [sousMenu addItemWithTitle:ns(element.titre)
+                                                   action:nil
+                                            keyEquivalent:@""];
+            item.submenu = [self menuDe:*element.sousMenu];
+            continue;
+        }
+        const SEL action = NSSelectorFromString(ns(element.selecteur));
+        NSMenuItem *item = [sousMenu addItemWithTitle:ns(element.titre)
+                                               action:action
+                                        keyEquivalent:ns(element.touche)];
+        if (element.masque != 0) item.keyEquivalentModifierMask = element.masque;
+        // The controller's own actions go to it; the others travel the responder chain.
+        const auto cible = brindex::cibleDe(menu, element, [action](Commande) {
+            return [BrindexCibleControleur instancesRespondToSelector:action] == YES;
+        });
+        if (cible == brindex::Cible::controleur) item.target = _cible;
+    }
+    return sousMenu;
+}
+
 - (void)construireMenus {
     NSMenu *principal = [[NSMenu alloc] init];
     for (const brindex::Menu &menu : brindex::barreDeMenus()) {
-        NSMenu *sousMenu = menu.titre.empty() ? [[NSMenu alloc] init]
-                                              : [[NSMenu alloc] initWithTitle:ns(menu.titre)];
-        for (const brindex::ElementMenu &element : menu.elements) {
-            if (element.separateur) {
-                [sousMenu addItem:[NSMenuItem separatorItem]];
-                continue;
-            }
-            const SEL action = NSSelectorFromString(ns(element.selecteur));
-            NSMenuItem *item = [sousMenu addItemWithTitle:ns(element.titre)
-                                                   action:action
-                                            keyEquivalent:ns(element.touche)];
-            if (element.masque != 0) item.keyEquivalentModifierMask = element.masque;
-            // The controller's own actions go to it; the others travel the responder chain.
-            const auto cible = brindex::cibleDe(menu, element, [action](Commande) {
-                return [BrindexCibleControleur instancesRespondToSelector:action] == YES;
-            });
-            if (cible == brindex::Cible::controleur) item.target = _cible;
-        }
+        NSMenu *sousMenu = [self menuDe:menu];
         switch (menu.role) {
             case brindex::RoleMenu::fenetres:
                 NSApp.windowsMenu = sousMenu;
@@ -174,6 +199,12 @@ int main() {
         // With "Prefer tabs", AppKit would make popups tabs of the main window and add tab
         // commands to the fixed menu bar: off before any window exists.
         NSWindow.allowsAutomaticWindowTabbing = NO;
+        // WebKit checks spelling as the user types only when the user's defaults say so, and
+        // they say nothing until the user chooses in Édition › Orthographe et grammaire: on
+        // until then. Read once, before the first web view.
+        [NSUserDefaults.standardUserDefaults registerDefaults:@{
+            @"WebContinuousSpellCheckingEnabled" : @YES
+        }];
         // The delegate lives for the whole run: NSApplication holds it weakly.
         static AppDelegate *delegue = [[AppDelegate alloc] init];
         application.delegate = delegue;

@@ -45,6 +45,7 @@ class PlateformeCocoa : public Plateforme {
                                                     std::function<void()> vaFermer) override;
 
     void ouvrirUrl(const std::string& url) override;
+    std::optional<std::string> applicationPour(const std::string& url) override;
     void reveler(const std::string& chemin) override;
     void alerte(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) override;
     void choisirFichiers(const DemandeFichiers& demande,

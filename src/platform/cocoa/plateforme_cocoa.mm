@@ -234,6 +234,20 @@ void PlateformeCocoa::ouvrirUrl(const std::string &url) {
     }
 }
 
+std::optional<std::string> PlateformeCocoa::applicationPour(const std::string &url) {
+    NSURL *adresse = [NSURL URLWithString:ns(url)];
+    NSURL *application =
+        adresse ? [NSWorkspace.sharedWorkspace URLForApplicationToOpenURL:adresse] : nil;
+    // Never this application itself.
+    if (!application || [application.URLByStandardizingPath
+                            isEqual:NSBundle.mainBundle.bundleURL.URLByStandardizingPath]) {
+        return std::nullopt;
+    }
+    NSString *nom = [NSFileManager.defaultManager displayNameAtPath:application.path];
+    if ([nom.pathExtension isEqualToString:@"app"]) nom = nom.stringByDeletingPathExtension;
+    return texte(nom);
+}
+
 void PlateformeCocoa::reveler(const std::string &chemin) {
     [NSWorkspace.sharedWorkspace
         activateFileViewerSelectingURLs:@[ [NSURL fileURLWithPath:ns(chemin)] ]];

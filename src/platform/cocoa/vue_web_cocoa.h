@@ -23,6 +23,12 @@ class VueWebCocoa;
 - (instancetype)initAvecVue:(brindex::cocoa::VueWebCocoa *)vue
                  controleur:(std::weak_ptr<brindex::Controleur>)controleur
             telechargements:(BrindexDelegueTelechargements *)telechargements;
+// The view goes: nothing more reaches the controller.
+- (void)detacher;
+// The page asked to be printed.
+- (void)impressionDemandee;
+// WebKit's answer to one search of the page.
+- (void)resultatRecherche:(BOOL)trouve;
 @end
 
 namespace brindex::cocoa {
@@ -66,6 +72,10 @@ class VueWebCocoa final : public VueWeb {
     // Keeps WebKit's decision handler of a navigation the controller answers later; a previous
     // one still waiting is cancelled (WebKit wants every handler called once).
     void differer(std::function<void(Politique)> repondre);
+    void chercher(const std::string &texte, SensRecherche sens) override;
+    void finirRecherche() override;
+    void focaliser() override;
+    void imprimer(const std::string &fichierPdf, std::function<void()> ferme) override;
 
    private:
     WKWebView *webView_;

@@ -215,6 +215,49 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
 
 @end
 
+// ---- Printing ----
+
+// Hands a page's window.print() to its view's delegate: WKWebView drops the call otherwise.
+@interface BrindexPontImpression : NSObject <WKScriptMessageHandler>
+@end
+
+@implementation BrindexPontImpression
+
+- (void)userContentController:(WKUserContentController *)userContentController
+      didReceiveScriptMessage:(WKScriptMessage *)message {
+    id delegue = message.webView.navigationDelegate;
+    if ([delegue isKindOfClass:BrindexDelegueWeb.class]) {
+        [(BrindexDelegueWeb *)delegue impressionDemandee];
+    }
+}
+
+@end
+
+// Told once a print sheet has ended, printed or not.
+@interface BrindexFinImpression : NSObject
+- (instancetype)initAvecFin:(std::function<void()>)fin;
+@end
+
+@implementation BrindexFinImpression {
+    std::function<void()> _fin;
+}
+
+- (instancetype)initAvecFin:(std::function<void()>)fin {
+    self = [super init];
+    if (self) _fin = std::move(fin);
+    return self;
+}
+
+- (void)printOperationDidRun:(NSPrintOperation *)printOperation
+                     success:(BOOL)success
+                 contextInfo:(void *)contextInfo {
+    // The operation held nothing: this object kept itself alive through contextInfo.
+    BrindexFinImpression *soi = (__bridge_transfer BrindexFinImpression *)contextInfo;
+    if (auto fin = std::move(soi->_fin)) fin();
+}
+
+@end
+
 // ---- Navigation and UI ----
 
 @implementation BrindexDelegueWeb {
@@ -233,6 +276,21 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
         _telechargements = telechargements;
     }
     return self;
+}
+
+- (void)detacher {
+    _vue = nullptr;
+}
+
+- (void)impressionDemandee {
+    const auto controleur = _controleur.lock();
+    if (controleur && _vue) controleur->impressionDemandee(*_vue);
+}
+
+- (void)resultatRecherche:(BOOL)trouve {
+    // WKWebView says whether it found the text, never how many times.
+    const auto controleur = _controleur.lock();
+    if (controleur && _vue) controleur->resultatRecherche(*_vue, trouve, std::nullopt);
 }
 
 // WKNavigationDelegate
@@ -469,6 +527,16 @@ VueWebCocoa::VueWebCocoa(const ParametresVueWeb &parametres, WKWebViewConfigurat
         configuration.applicationNameForUserAgent = ns(parametres.agentSuffixe);
         // The default store keeps cookies and site data across launches.
         configuration.websiteDataStore = WKWebsiteDataStore.defaultDataStore;
+        // Popups share this controller, and with it the bridge for window.print().
+        WKUserContentController *contenu = configuration.userContentController;
+        [contenu addUserScript:[[WKUserScript alloc]
+                                     initWithSource:@"window.print = () => window.webkit."
+                                                    @"messageHandlers.brindexImpression."
+                                                    @"postMessage(0);"
+                                      injectionTime:WKUserScriptInjectionTimeAtDocumentStart
+                                   forMainFrameOnly:NO]];
+        [contenu addScriptMessageHandler:[[BrindexPontImpression alloc] init]
+                                    name:@"brindexImpression"];
     }
     webView_ = [[WKWebView alloc] initWithFrame:NSZeroRect configuration:configuration];
     delegue_ = [[BrindexDelegueWeb alloc] initAvecVue:this
@@ -512,6 +580,7 @@ void VueWebCocoa::detacher() {
     }
     webView_.navigationDelegate = nil;
     webView_.UIDelegate = nil;
+    [delegue_ detacher];
     if (principale_) [webView_ removeFromSuperview];
 }
 
@@ -557,6 +626,49 @@ void VueWebCocoa::reculerDe(std::size_t pas) {
             [webView_.backForwardList itemAtIndex:-static_cast<NSInteger>(pas)]) {
         [webView_ goToBackForwardListItem:element];
     }
+}
+void VueWebCocoa::chercher(const std::string &texte, SensRecherche sens) {
+    WKFindConfiguration *configuration = [[WKFindConfiguration alloc] init];
+    configuration.caseSensitive = NO;
+    configuration.wraps = YES;
+    configuration.backwards = sens == SensRecherche::precedente;
+    if (sens == SensRecherche::nouvelle) {
+        // WebKit searches on from the page's selection: without one, from the top.
+        [webView_ evaluateJavaScript:@"getSelection().removeAllRanges()"
+                             inFrame:nil
+                      inContentWorld:WKContentWorld.defaultClientWorld
+                   completionHandler:nil];
+    }
+    __weak BrindexDelegueWeb *delegue = delegue_;
+    [webView_ findString:ns(texte)
+        withConfiguration:configuration
+        completionHandler:^(WKFindResult *resultat) {
+            [delegue resultatRecherche:resultat.matchFound];
+        }];
+}
+
+// WKWebView's find leaves nothing highlighted once it has shown a match.
+void VueWebCocoa::finirRecherche() {}
+
+void VueWebCocoa::focaliser() { [webView_.window makeFirstResponder:webView_]; }
+
+void VueWebCocoa::imprimer(const std::string &fichierPdf, std::function<void()> ferme) {
+    NSWindow *fenetre = webView_.window;
+    if (!fenetre) {
+        ferme();
+        return;
+    }
+    NSPrintInfo *info = [NSPrintInfo.sharedPrintInfo copy];
+    // Where the page goes when printed to a file.
+    info.dictionary[NSPrintJobSavingURL] = [NSURL fileURLWithPath:ns(fichierPdf)];
+    // Run for the window, as a sheet: WKWebView's operation run on its own prints blank pages.
+    NSPrintOperation *operation = [webView_ printOperationWithPrintInfo:info];
+    operation.view.frame = webView_.bounds;
+    BrindexFinImpression *fin = [[BrindexFinImpression alloc] initAvecFin:std::move(ferme)];
+    [operation runOperationModalForWindow:fenetre
+                                 delegate:fin
+                           didRunSelector:@selector(printOperationDidRun:success:contextInfo:)
+                              contextInfo:(__bridge_retained void *)fin];
 }
 
 }  // namespace brindex::cocoa

@@ -31,18 +31,14 @@ std::string nomAction(const ElementMenu& element) {
     return nom;
 }
 
-// Items that only make sense with the macOS Dock and application switcher.
-bool propreAMacos(Commande commande) {
-    return commande == Commande::masquer || commande == Commande::masquerAutres ||
-           commande == Commande::toutAfficher;
-}
-
 // Keys Linux users also expect beside the menu's own.
 std::vector<std::string> accelerateursEnPlus(Commande commande) {
     if (commande == Commande::pleinEcran) return {"F11"};
     if (commande == Commande::zoomPlus) return {"<Control>equal", "<Control>KP_Add"};
     if (commande == Commande::zoomMoins) return {"<Control>KP_Subtract"};
     if (commande == Commande::recharger) return {"F5"};
+    if (commande == Commande::rechercherSuivant) return {"F3"};
+    if (commande == Commande::rechercherPrecedent) return {"<Shift>F3"};
     return {};
 }
 
@@ -157,64 +153,78 @@ void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
     if (soi->apresLancement) soi->apresLancement();
 }
 
-void ApplicationGtk::construireMenus() {
+// One menu of the bar, or a submenu, as GMenu sections between its separators; each item's
+// action and accelerators are registered on the application.
+GMenu* ApplicationGtk::menuGtk(const Menu& menu) {
     GtkApplication* app = application_.get();
-    GMenu* barre = g_menu_new();
-    for (const Menu& menu : barreDeMenus()) {
-        GMenu* sousMenu = g_menu_new();
-        GMenu* section = g_menu_new();
-        for (const ElementMenu& element : menu.elements) {
-            if (element.separateur) {
-                if (g_menu_model_get_n_items(G_MENU_MODEL(section)) > 0) {
-                    g_menu_append_section(sousMenu, nullptr, G_MENU_MODEL(section));
-                    g_object_unref(section);
-                    section = g_menu_new();
-                }
-                continue;
-            }
-            if (!element.commande || propreAMacos(*element.commande)) continue;
-            const std::string nom = nomAction(element);
-            GSimpleAction* action = g_simple_action_new(nom.c_str(), nullptr);
-            auto* donnees = new ActionMenu{this, *element.commande, cibleDe(menu, element)};
-            g_signal_connect_data(
-                action, "activate", G_CALLBACK(+[](GSimpleAction*, GVariant*, gpointer d) {
-                    const auto* a = static_cast<ActionMenu*>(d);
-                    // Items aimed at the controller reach it; the others go to GTK's own
-                    // receivers.
-                    if (a->cible == Cible::controleur && a->application->controleur()) {
-                        a->application->controleur()->executer(a->commande);
-                    } else {
-                        a->application->commandeStandard(a->commande);
-                    }
-                }),
-                donnees, [](gpointer d, GClosure*) { delete static_cast<ActionMenu*>(d); },
-                GConnectFlags(0));
-            g_action_map_add_action(G_ACTION_MAP(app), G_ACTION(action));
-            g_object_unref(action);
-
-            const std::string detaille = "app." + nom;
-            std::vector<std::string> touches;
-            if (auto principal = accelerateurGtk(element); !principal.empty()) {
-                touches.push_back(std::move(principal));
-            }
-            for (auto& autre : accelerateursEnPlus(*element.commande)) touches.push_back(autre);
-            std::vector<const char*> liste;
-            for (const auto& t : touches) liste.push_back(t.c_str());
-            liste.push_back(nullptr);
-            gtk_application_set_accels_for_action(app, detaille.c_str(), liste.data());
-
-            const std::string titre(element.titre);
-            g_menu_append(section, titre.c_str(), detaille.c_str());
-        }
+    GMenu* sousMenu = g_menu_new();
+    GMenu* section = g_menu_new();
+    const auto fermerSection = [&] {
         if (g_menu_model_get_n_items(G_MENU_MODEL(section)) > 0) {
             g_menu_append_section(sousMenu, nullptr, G_MENU_MODEL(section));
+            g_object_unref(section);
+            section = g_menu_new();
         }
-        g_object_unref(section);
+    };
+    for (const ElementMenu& element : menu.elements) {
+        if (element.separateur) {
+            fermerSection();
+            continue;
+        }
+        if (element.macosSeulement) continue;
+        const std::string titre(element.titre);
+        if (element.sousMenu) {
+            GMenu* contenu = menuGtk(*element.sousMenu);
+            g_menu_append_submenu(section, titre.c_str(), G_MENU_MODEL(contenu));
+            g_object_unref(contenu);
+            continue;
+        }
+        if (!element.commande) continue;
+        const std::string nom = nomAction(element);
+        GSimpleAction* action = g_simple_action_new(nom.c_str(), nullptr);
+        auto* donnees = new ActionMenu{this, *element.commande, cibleDe(menu, element)};
+        g_signal_connect_data(
+            action, "activate", G_CALLBACK(+[](GSimpleAction*, GVariant*, gpointer d) {
+                const auto* a = static_cast<ActionMenu*>(d);
+                // Items aimed at the controller reach it; the others go to GTK's own
+                // receivers.
+                if (a->cible == Cible::controleur && a->application->controleur()) {
+                    a->application->controleur()->executer(a->commande);
+                } else {
+                    a->application->commandeStandard(a->commande);
+                }
+            }),
+            donnees, [](gpointer d, GClosure*) { delete static_cast<ActionMenu*>(d); },
+            GConnectFlags(0));
+        g_action_map_add_action(G_ACTION_MAP(app), G_ACTION(action));
+        g_object_unref(action);
+
+        const std::string detaille = "app." + nom;
+        std::vector<std::string> touches;
+        if (auto principal = accelerateurGtk(element); !principal.empty()) {
+            touches.push_back(std::move(principal));
+        }
+        for (auto& autre : accelerateursEnPlus(*element.commande)) touches.push_back(autre);
+        std::vector<const char*> liste;
+        for (const auto& t : touches) liste.push_back(t.c_str());
+        liste.push_back(nullptr);
+        gtk_application_set_accels_for_action(app, detaille.c_str(), liste.data());
+        g_menu_append(section, titre.c_str(), detaille.c_str());
+    }
+    fermerSection();
+    g_object_unref(section);
+    return sousMenu;
+}
+
+void ApplicationGtk::construireMenus() {
+    GMenu* barre = g_menu_new();
+    for (const Menu& menu : barreDeMenus()) {
+        GMenu* sousMenu = menuGtk(menu);
         const std::string titre(menu.titre.empty() ? menu.titreBarre : menu.titre);
         g_menu_append_submenu(barre, titre.c_str(), G_MENU_MODEL(sousMenu));
         g_object_unref(sousMenu);
     }
-    gtk_application_set_menubar(app, G_MENU_MODEL(barre));
+    gtk_application_set_menubar(application_.get(), G_MENU_MODEL(barre));
     g_object_unref(barre);
 }
 
@@ -272,7 +282,13 @@ void ApplicationGtk::commandeStandard(Commande c) {
         case Commande::masquer:
         case Commande::masquerAutres:
         case Commande::toutAfficher:
-            // Nothing to hide or show on Linux.
+        case Commande::afficherOrthographe:
+        case Commande::verifierOrthographe:
+        case Commande::orthographeContinue:
+        case Commande::grammaire:
+        case Commande::correctionAutomatique:
+            // macOS's own: WebKit checks spelling as the user types, its suggestions are in
+            // the page's context menu.
             return;
         case Commande::annuler:
         case Commande::retablir:
@@ -292,6 +308,10 @@ void ApplicationGtk::commandeStandard(Commande c) {
         case Commande::changerEspace:
         case Commande::ouvrirSite:
         case Commande::ouvrirJournal:
+        case Commande::imprimer:
+        case Commande::rechercher:
+        case Commande::rechercherSuivant:
+        case Commande::rechercherPrecedent:
             if (controleur_) controleur_->executer(c);
             return;
     }

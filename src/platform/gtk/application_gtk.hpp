@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "app/lancement.hpp"
+#include "app/menus.hpp"
 #include "app/rendu.hpp"
 #include "container/commandes.hpp"
 #include "container/controleur.hpp"
@@ -39,6 +40,7 @@ class ApplicationGtk : public Coquille {
 
   private:
     static void surActivation(GApplication*, gpointer donnees);
+    GMenu* menuGtk(const Menu& menu);
     void commandeStandard(Commande commande);
     void aPropos();
 

@@ -154,6 +154,11 @@ void FenetreGtk<Interface>::barreConnexion(const std::optional<std::string>& tex
     gtk_label_set_text(GTK_LABEL(gtk_widget_get_first_child(barreConnexion_)), texte->c_str());
 }
 
+template <typename Interface>
+void FenetreGtk<Interface>::attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) {
+    recherche_ = std::make_unique<BarreRechercheGtk>(bandeau(), std::move(recherche));
+}
+
 template class FenetreGtk<FenetrePrincipale>;
 template class FenetreGtk<Fenetre>;
 

@@ -9,6 +9,7 @@
 #include "container/ports.hpp"
 #include "ecrans_gtk.hpp"
 #include "outils_gtk.hpp"
+#include "recherche_gtk.hpp"
 #include "vue_web_gtk.hpp"
 
 namespace brindex::gtk {
@@ -37,6 +38,7 @@ class FenetreGtk : public Interface {
     void feuille(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) override;
     void barreConnexion(const std::optional<std::string>& texte,
                         std::function<void()> annuler) override;
+    void attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) override;
 
   protected:
     // Runs before the window goes, whoever closes it.
@@ -50,6 +52,7 @@ class FenetreGtk : public Interface {
     // The sign-in bar in the strip, while it shows, and what its button does.
     GtkWidget* barreConnexion_ = nullptr;
     std::function<void()> annulerConnexion_;
+    std::unique_ptr<BarreRechercheGtk> recherche_;
     std::function<void()> vaFermer_;
     bool detruite_ = false;
 };

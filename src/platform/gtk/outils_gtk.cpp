@@ -92,6 +92,10 @@ std::string feuilleDeStyle() {
     s << ".barre-connexion{background-color:" << css(Marque::carte)
       << ";color:" << css(Marque::texte) << ";border-bottom:1px solid " << css(Marque::ligne)
       << ";padding:4px 12px;}\n";
+    s << ".barre-recherche{background-color:" << css(Marque::carte) << ";border-bottom:1px solid "
+      << css(Marque::ligne) << ";padding:4px 8px;}\n";
+    s << ".barre-recherche label{color:" << css(Marque::attenue) << ";min-width:150px;}\n";
+    s << ".barre-recherche label.echec{color:" << css(Marque::erreur) << ";}\n";
     return s.str();
 }
 

@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <system_error>
 
+#include "container/regles.hpp"
 #include "dialogues_gtk.hpp"
+#include "log/journal.hpp"
 #include "services_gtk.hpp"
 #include "vue_web_gtk.hpp"
 
@@ -15,6 +17,7 @@ PlateformeGtk::PlateformeGtk(GtkApplication* application)
     // Every download of every view goes through the one persistent session.
     g_signal_connect(webkit_network_session_get_default(), "download-started",
                      G_CALLBACK(surTelechargement), this);
+    Journal::ecrire(ligneOrthographe(activerOrthographe(languesOrthographe(nomsLocale()))));
 }
 
 PlateformeGtk::~PlateformeGtk() {
@@ -58,6 +61,10 @@ std::shared_ptr<Fenetre> PlateformeGtk::creerFenetreSecondaire(const ParametresF
 
 void PlateformeGtk::ouvrirUrl(const std::string& url) {
     ouvrirUriParDefaut(url);
+}
+
+std::optional<std::string> PlateformeGtk::applicationPour(const std::string& url) {
+    return applicationPourUri(url);
 }
 
 void PlateformeGtk::reveler(const std::string& chemin) {

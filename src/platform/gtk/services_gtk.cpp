@@ -4,12 +4,49 @@
 
 #include <gio/gio.h>
 #include <gtk/gtk.h>
+#include <webkit/webkit.h>
+
+#include "brand/marque.hpp"
 
 namespace brindex::gtk {
 
 void ouvrirUriParDefaut(const std::string& uri) {
     // Asynchronous: a slow handler never holds up the window.
     g_app_info_launch_default_for_uri_async(uri.c_str(), nullptr, nullptr, nullptr, nullptr);
+}
+
+std::optional<std::string> applicationPourUri(const std::string& uri) {
+    const char* scheme = g_uri_peek_scheme(uri.c_str());
+    GAppInfo* application = scheme ? g_app_info_get_default_for_uri_scheme(scheme) : nullptr;
+    if (!application) return std::nullopt;
+    const char* id = g_app_info_get_id(application);
+    const char* nom = g_app_info_get_display_name(application);
+    std::optional<std::string> resultat;
+    if (!id || std::string(id) != std::string(Marque::identifiant) + ".desktop") {
+        resultat = nom && *nom ? nom : scheme;
+    }
+    g_object_unref(application);
+    return resultat;
+}
+
+std::vector<std::string> activerOrthographe(const std::vector<std::string>& langues) {
+    WebKitWebContext* contexte = webkit_web_context_get_default();
+    webkit_web_context_set_spell_checking_enabled(contexte, TRUE);
+    std::vector<const char*> liste;
+    for (const auto& l : langues) liste.push_back(l.c_str());
+    liste.push_back(nullptr);
+    webkit_web_context_set_spell_checking_languages(contexte, liste.data());
+    std::vector<std::string> retenues;
+    if (const char* const* enUsage = webkit_web_context_get_spell_checking_languages(contexte)) {
+        for (; *enUsage; ++enUsage) retenues.emplace_back(*enUsage);
+    }
+    return retenues;
+}
+
+std::vector<std::string> nomsLocale() {
+    std::vector<std::string> noms;
+    for (const char* const* n = g_get_language_names(); *n; ++n) noms.emplace_back(*n);
+    return noms;
 }
 
 namespace {

@@ -5,11 +5,22 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace brindex::gtk {
 
 // Hands a URI to the desktop's default handler (browser, mail, telephone, file manager).
 void ouvrirUriParDefaut(const std::string& uri);
+
+// The name of the desktop's default application for the URI's scheme, unless it is this one.
+std::optional<std::string> applicationPourUri(const std::string& uri);
+
+// Spell-checking on in every page, in these languages where a dictionary is installed; gives
+// the languages the engine took.
+std::vector<std::string> activerOrthographe(const std::vector<std::string>& langues);
+
+// The locale's language names, from the most precise ("fr_CA.UTF-8") to "C".
+std::vector<std::string> nomsLocale();
 
 // Shows the file selected in the file manager, or at least its folder.
 void revelerFichier(const std::string& chemin);

@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "container/recherche.hpp"
 #include "erreurs_gtk.hpp"
+#include "impression_gtk.hpp"
 
 namespace brindex::gtk {
 
@@ -142,6 +144,10 @@ void VueWebGtk::connecter() {
     g_signal_connect(v, "notify::estimated-load-progress", G_CALLBACK(surProgression), this);
     g_signal_connect(v, "web-process-terminated", G_CALLBACK(surFinProcessus), this);
     g_signal_connect(v, "authenticate", G_CALLBACK(surAuthentification), this);
+    g_signal_connect(v, "print", G_CALLBACK(surImpression), this);
+    WebKitFindController* recherche = webkit_web_view_get_find_controller(v);
+    g_signal_connect(recherche, "found-text", G_CALLBACK(surTrouve), this);
+    g_signal_connect(recherche, "failed-to-find-text", G_CALLBACK(surIntrouvable), this);
     // Presses inside the page, seen before the page sees them: they are what lets a page open
     // a window or hand a link to another application.
     entrees_ = gtk_event_controller_legacy_new();
@@ -160,6 +166,7 @@ void VueWebGtk::detacher() {
     pretAAfficher = nullptr;
     if (!vue_) return;
     g_signal_handlers_disconnect_by_data(vue_.get(), this);
+    g_signal_handlers_disconnect_by_data(webkit_web_view_get_find_controller(vue_.get()), this);
     if (entrees_) g_signal_handlers_disconnect_by_data(entrees_, this);
 }
 
@@ -256,6 +263,42 @@ void VueWebGtk::attendreUtilisateur(bool attente) {
         delaiSuspendu_ = false;
         delai_ = g_timeout_add(delaiMs_, surDelaiDepasse, this);
     }
+}
+
+void VueWebGtk::chercher(const std::string& texte, SensRecherche sens) {
+    WebKitFindController* recherche = webkit_web_view_get_find_controller(vue_.get());
+    switch (sens) {
+        case SensRecherche::nouvelle:
+            // WebKit searches on from the page's selection: without one, from the top.
+            webkit_web_view_evaluate_javascript(vue_.get(), "getSelection().removeAllRanges()", -1,
+                                                "brindex", nullptr, nullptr, nullptr, nullptr);
+            webkit_find_controller_search(
+                recherche, texte.c_str(),
+                WEBKIT_FIND_OPTIONS_CASE_INSENSITIVE | WEBKIT_FIND_OPTIONS_WRAP_AROUND,
+                resultatsRechercheMax);
+            return;
+        case SensRecherche::suivante:
+            webkit_find_controller_search_next(recherche);
+            return;
+        case SensRecherche::precedente:
+            webkit_find_controller_search_previous(recherche);
+            return;
+    }
+}
+void VueWebGtk::finirRecherche() {
+    webkit_find_controller_search_finish(webkit_web_view_get_find_controller(vue_.get()));
+}
+void VueWebGtk::focaliser() {
+    gtk_widget_grab_focus(widget());
+}
+void VueWebGtk::imprimer(const std::string& fichierPdf, std::function<void()> ferme) {
+    std::weak_ptr<VueWebGtk> faible = weak_from_this();
+    dialogueImpression(vue_.get(), fichierPdf, std::move(ferme),
+                       [faible](const std::string& description) {
+                           const auto vue = faible.lock();
+                           const auto c = vue ? vue->controleur_.lock() : nullptr;
+                           if (c && vue->attachee_) c->impressionEchouee(*vue, description);
+                       });
 }
 
 // ---- Engine callbacks ----
@@ -524,6 +567,24 @@ gboolean VueWebGtk::surAuthentification(WebKitWebView*, WebKitAuthenticationRequ
         vue->attendreUtilisateur(true);
     }
     return TRUE;
+}
+
+gboolean VueWebGtk::surImpression(WebKitWebView*, WebKitPrintOperation*, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    // Never WebKit's own dialog, which would hold everything until it closes: the controller
+    // decides, and opens the application's.
+    if (const auto c = vue->controleur_.lock()) c->impressionDemandee(*vue);
+    return TRUE;
+}
+
+void VueWebGtk::surTrouve(WebKitFindController*, guint nombre, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    if (const auto c = vue->controleur_.lock()) c->resultatRecherche(*vue, true, nombre);
+}
+
+void VueWebGtk::surIntrouvable(WebKitFindController*, gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    if (const auto c = vue->controleur_.lock()) c->resultatRecherche(*vue, false, std::nullopt);
 }
 
 GtkWidget* VueWebGtk::surCreation(WebKitWebView*, WebKitNavigationAction* action,

@@ -51,6 +51,10 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     void trancher(Politique politique) override;
     std::vector<std::string> historiqueArriere(std::size_t maximum) const override;
     void reculerDe(std::size_t pas) override;
+    void chercher(const std::string& texte, SensRecherche sens) override;
+    void finirRecherche() override;
+    void focaliser() override;
+    void imprimer(const std::string& fichierPdf, std::function<void()> ferme) override;
 
     // The page is ready to be shown in its window (popups only).
     std::function<void()> pretAAfficher;
@@ -75,6 +79,9 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     static void surFinProcessus(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer);
     static gboolean surEntree(GtkEventControllerLegacy*, GdkEvent*, gpointer);
     static gboolean surAuthentification(WebKitWebView*, WebKitAuthenticationRequest*, gpointer);
+    static gboolean surImpression(WebKitWebView*, WebKitPrintOperation*, gpointer);
+    static void surTrouve(WebKitFindController*, guint nombre, gpointer);
+    static void surIntrouvable(WebKitFindController*, gpointer);
     void annulerDelai();
     // The user is asked something the load waits on (a sign-in site, an identification): the
     // time-out stops meanwhile, and starts afresh once the last answer is in.
