@@ -1,4 +1,5 @@
-// Feeds arbitrary text to the address functions and traps on any broken invariant.
+// Feeds arbitrary text to the address functions and to the navigation policy that judges what
+// pages hand over, and traps on any broken invariant.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -8,6 +9,7 @@
 #include "address/normalisation.hpp"
 #include "address/origine.hpp"
 #include "address/url.hpp"
+#include "container/politique.hpp"
 
 using namespace brindex;
 
@@ -45,12 +47,41 @@ void verifierOrigine(const Origine& origine) {
     exiger(encore.has_value() && *encore == origine);
 }
 
+// Whatever a page hands over: only http(s), and files the page made itself (its own blob:, a
+// data: URL) behind the user's link, ever pass; nothing leaves the application without the user;
+// a response for such a file is always refused.
+void verifierPolitique(std::string_view texte) {
+    static const auto vue = Origine::depuis(std::string_view("https://espace.example/"));
+    const std::string url(texte);
+    const auto scheme = schemeDe(url);
+    const std::string s = scheme ? enMinuscules(*scheme) : std::string();
+    const bool fichier = s == "blob" || s == "data";
+    for (const auto type : {TypeNavigation::lienActive, TypeNavigation::autre}) {
+        for (const bool utilisateur : {true, false}) {
+            for (const auto telechargement :
+                 {std::optional<bool>(true), std::optional<bool>(false), std::optional<bool>()}) {
+                const auto decision =
+                    deciderAction({url, type, CadreCible::inconnu, telechargement, std::nullopt},
+                                  vue, utilisateur);
+                const bool passe = decision.politique != Politique::annuler;
+                exiger(!passe || s == "http" || s == "https" ||
+                       (fichier && utilisateur && type == TypeNavigation::lienActive));
+                exiger(!passe || s != "blob" ||
+                       Origine::depuis(std::string_view(url).substr(5)) == vue);
+                exiger(utilisateur || !decision.effet.urlAOuvrir);
+            }
+        }
+    }
+    exiger(!fichier || reponseRefusee({true, std::nullopt, true, url}).has_value());
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* donnees, std::size_t taille) {
     const std::string_view texte(reinterpret_cast<const char*>(donnees), taille);
 
     (void)estHoteLocalOuPrive(texte);
+    verifierPolitique(texte);
     verifierHote(texte, false);
     verifierHote(texte, true);
     if (const auto url = Url::analyser(texte)) {

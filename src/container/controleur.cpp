@@ -85,6 +85,11 @@ std::shared_ptr<Controleur> Controleur::creer(Plateforme& plateforme) {
         plateforme.creerFenetrePrincipale(parametresFenetrePrincipale(), [faible] {
             if (const auto c = faible.lock()) c->fenetrePrincipaleVaFermer();
         });
+    // Closing the main window ends the application: its pages are asked first.
+    controleur->fenetre_->retenirFermeture([faible] {
+        const auto c = faible.lock();
+        return !c || c->quitter();
+    });
     controleur->fenetre_->attacherRecherche(controleur->recherche_);
     return controleur;
 }
@@ -218,6 +223,7 @@ void Controleur::oublierVue(const VueWeb& vue) {
     quitterConnexion(vue, "FIN");
     std::erase(questions_, &vue);
     std::erase(identifications_, &vue);
+    departs_.oublier(vue);
     originesWebView_.erase(&vue);
     finsProcessus_.erase(&vue);
     attentes_.erase(&vue);
@@ -320,6 +326,10 @@ Politique Controleur::deciderReponse(VueWeb& vue, const ReponseNavigation& repon
         detourner(attente->detournement);
         return Politique::annuler;
     }
+    if (const auto refus = reponseRefusee(reponse)) {
+        Journal::ecrire(*refus);
+        return Politique::annuler;
+    }
     return brindex::deciderReponse(reponse);
 }
 
@@ -406,6 +416,7 @@ void Controleur::processusTermine(VueWeb& vue, FinProcessus fin) {
 // ---- The user's own actions ----
 
 void Controleur::activationUtilisateur() {
+    departs_.nouvelleAction();
     activation_ = plateforme_.maintenant();
     fenetresRefusees_ = 0;
 }
@@ -465,6 +476,12 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
     auto secondaire = FenetreSecondaire::creer(plateforme_, vue);
     if (url && Origine::depuis(*url)) secondaire->adresse = *url;
     std::weak_ptr<Controleur> faible = weak_from_this();
+    std::weak_ptr<FenetreSecondaire> faibleSecondaire = secondaire;
+    secondaire->fenetre()->retenirFermeture([faible, faibleSecondaire] {
+        const auto c = faible.lock();
+        const auto s = faibleSecondaire.lock();
+        return !c || !s || c->fermetureSecondaireDemandee(*s);
+    });
     secondaire->onFermeture = [faible](FenetreSecondaire& fermee) {
         const auto c = faible.lock();
         if (!c) return;
@@ -481,8 +498,13 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
 }
 
 void Controleur::fermetureDemandee(VueWeb& vue) {
+    // The page agreed to be left, as it was asked.
+    if (departs_.accord(vue)) return;
     // The main window never closes at a page's request.
-    if (FenetreSecondaire* secondaire = secondaireDe(vue)) secondaire->fenetre()->fermer();
+    if (FenetreSecondaire* secondaire = secondaireDe(vue)) {
+        secondaire->fermetureAccordee = true;
+        secondaire->fenetre()->fermer();
+    }
 }
 
 void Controleur::fermerFenetresSecondaires() {
@@ -543,7 +565,12 @@ void Controleur::zoomReel() {
     ajusterZoom(zoomNormal);
 }
 void Controleur::changerEspace() {
-    montrerConfiguration();
+    // The views go without navigating: their pages are asked first.
+    std::weak_ptr<Controleur> faible = weak_from_this();
+    const auto suite = [faible] {
+        if (const auto c = faible.lock()) c->montrerConfiguration();
+    };
+    if (departs_.commencer(vuesOuvertes(), suite)) suite();
 }
 void Controleur::ouvrirSite() {
     plateforme_.ouvrirUrl(std::string(Marque::urlSite));
@@ -650,6 +677,7 @@ bool Controleur::lienApplication(VueWeb& vue, const std::string& url) {
 }
 
 bool Controleur::executer(Commande commande) {
+    departs_.nouvelleAction();
     switch (commande) {
         case Commande::recharger:
             recharger();
@@ -719,6 +747,68 @@ bool Controleur::executer(Commande commande) {
             return false;
     }
     return false;
+}
+
+// ---- Leaving pages ----
+
+Fenetre* Controleur::fenetreDe(const VueWeb& vue) const {
+    if (webView_ && &vue == webView_.get()) return fenetre_.get();
+    FenetreSecondaire* secondaire = secondaireDe(vue);
+    return secondaire ? secondaire->fenetre().get() : nullptr;
+}
+
+std::vector<std::shared_ptr<VueWeb>> Controleur::vuesOuvertes() const {
+    std::vector<std::shared_ptr<VueWeb>> vues;
+    if (webView_) vues.push_back(webView_);
+    for (const auto& secondaire : fenetresSecondaires_) vues.push_back(secondaire->webView());
+    return vues;
+}
+
+void Controleur::confirmationDepart(VueWeb& vue, std::function<void(bool)> fin) {
+    Fenetre* fenetre = fenetreDe(vue);
+    // Asked once per action of the user, on the page's own window; otherwise the page stays,
+    // and so does whatever was to close with it.
+    if (!fenetre || !departs_.questionPermise(vue)) {
+        departs_.refus(vue);
+        fin(false);
+        return;
+    }
+    fenetre->devant();
+    std::weak_ptr<Controleur> faible = weak_from_this();
+    fenetre->feuille(questionDepart(), [faible, &vue, fin = std::move(fin)](ReponseAlerte reponse) {
+        const bool quitter = reponse.bouton == 1;
+        if (const auto c = faible.lock()) {
+            c->departs_.questionFermee(vue);
+            if (!quitter) c->departs_.refus(vue);
+        }
+        fin(quitter);
+    });
+}
+
+bool Controleur::quitter() {
+    if (fermetureAccordee_) return true;
+    departs_.nouvelleAction();
+    std::weak_ptr<Controleur> faible = weak_from_this();
+    fermetureAccordee_ = departs_.commencer(vuesOuvertes(), [faible] {
+        if (const auto c = faible.lock()) {
+            c->fermetureAccordee_ = true;
+            c->fenetre_->fermer();
+        }
+    });
+    return fermetureAccordee_;
+}
+
+bool Controleur::fermetureSecondaireDemandee(FenetreSecondaire& secondaire) {
+    if (secondaire.fermetureAccordee) return true;
+    departs_.nouvelleAction();
+    std::weak_ptr<FenetreSecondaire> faible = secondaire.shared_from_this();
+    secondaire.fermetureAccordee = departs_.commencer({secondaire.webView()}, [faible] {
+        if (const auto s = faible.lock()) {
+            s->fermetureAccordee = true;
+            s->fenetre()->fermer();
+        }
+    });
+    return secondaire.fermetureAccordee;
 }
 
 // ---- Page dialogs ----

@@ -13,6 +13,7 @@
 #include "address/url.hpp"
 #include "container/commandes.hpp"
 #include "container/connexion.hpp"
+#include "container/depart.hpp"
 #include "container/impression.hpp"
 #include "container/politique.hpp"
 #include "container/ports.hpp"
@@ -35,6 +36,8 @@ class FenetreSecondaire : public std::enable_shared_from_this<FenetreSecondaire>
 
     // Runs when the window closes by itself (close button, or the page's request).
     std::function<void(FenetreSecondaire&)> onFermeture;
+    // The window may close: its page agreed to be left, or asked for it itself.
+    bool fermetureAccordee = false;
     // The address of the space the page opened the window on; none for a window it writes into.
     std::optional<std::string> adresse;
 
@@ -108,7 +111,7 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
                                                 const std::optional<std::string>& url,
                                                 std::optional<bool> geste,
                                                 const ConfigurationMoteur& configuration);
-    // A page asked to close its own window.
+    // A page asked to close its own window, or agreed to be closed when asked.
     void fermetureDemandee(VueWeb& vue);
     void fermerFenetresSecondaires();
 
@@ -131,6 +134,14 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     // Runs one of the controller's commands; false for a command it doesn't answer.
     bool executer(Commande commande);
 
+    // ---- Leaving pages ----
+    // The engine asks whether a page that wants to be confirmed may be left; `fin` gets true to
+    // leave it.
+    void confirmationDepart(VueWeb& vue, std::function<void(bool)> fin);
+    // The user asks to quit, or to close the main window, which ends the application: gives true
+    // when it may end now; otherwise its pages are asked first, and the main window closes once
+    // they all agreed.
+    bool quitter();
     // ---- Find and print ----
     // The engine's answer to the oldest search of the page not yet answered.
     void resultatRecherche(VueWeb& vue, bool trouve, std::optional<unsigned> nombre);
@@ -197,6 +208,11 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     void oublierVue(const VueWeb& vue);
     // The secondary window that shows `vue`, if any.
     FenetreSecondaire* secondaireDe(const VueWeb& vue) const;
+    // The window that shows `vue`, if any.
+    Fenetre* fenetreDe(const VueWeb& vue) const;
+    // Every web view, the main one first, then the secondary windows' oldest first.
+    std::vector<std::shared_ptr<VueWeb>> vuesOuvertes() const;
+    bool fermetureSecondaireDemandee(FenetreSecondaire& secondaire);
     void detourner(const Detournement& detournement);
     // Takes out the navigation waiting on this address; what to do instead, if it filled the
     // main frame.
@@ -264,6 +280,9 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     std::vector<Origine> refuses_;
     std::vector<const VueWeb*> identifications_;
     bool erreurReseau_ = false;
+    Departs departs_;
+    // Every page agreed to be left: the main window may close, and the application end.
+    bool fermetureAccordee_ = false;
 };
 
 }  // namespace brindex

@@ -8,9 +8,28 @@ namespace brindex {
 namespace {
 
 const std::string ligneExterneRefusee = "navigation externe automatique REFUSEE vers ";
+const std::string ligneSchemeRefuse = "navigation REFUSEE scheme=";
 
 DecisionAction etapeFinale(const ActionNavigation& action) {
-    return {action.telechargementDemande ? Politique::telecharger : Politique::autoriser, {}, {}};
+    return {action.telechargementDemande == true ? Politique::telecharger : Politique::autoriser,
+            {},
+            {}};
+}
+
+// A file the page made itself and the user's link asks to save: a blob: of the view's own origin
+// (what the page holds, not another site's), or a data: URL. Saved, never shown: an engine that
+// says the link asks for a download gets that answer, one that says it doesn't is refused; one
+// that doesn't say turns such a link into a download by itself, and a response that comes instead
+// (a plain navigation) is refused.
+std::optional<DecisionAction> fichierDeLaPage(const ActionNavigation& action,
+                                              const std::string& scheme,
+                                              const std::optional<Origine>& origineVue,
+                                              bool parUtilisateur) {
+    if (action.type != TypeNavigation::lienActive || !parUtilisateur) return std::nullopt;
+    const bool duSite = scheme == "blob" && origineVue &&
+                        Origine::depuis(std::string_view(*action.url).substr(5)) == origineVue;
+    if ((scheme != "data" && !duSite) || action.telechargementDemande == false) return std::nullopt;
+    return etapeFinale(action);
 }
 
 }  // namespace
@@ -33,7 +52,10 @@ DecisionAction deciderAction(const ActionNavigation& action,
         return decision;
     }
     if (scheme != "http" && scheme != "https") {
-        DecisionAction refus{Politique::annuler, {{}, "navigation REFUSEE scheme=" + scheme}, {}};
+        if (auto fichier = fichierDeLaPage(action, scheme, origineVue, parUtilisateur)) {
+            return *fichier;
+        }
+        DecisionAction refus{Politique::annuler, {{}, ligneSchemeRefuse + scheme}, {}};
         if (lienClique) refus.lienApplication = *action.url;
         return refus;
     }
@@ -52,6 +74,13 @@ DecisionAction deciderAction(const ActionNavigation& action,
         return provisoire;
     }
     return {Politique::annuler, detournement, {}};
+}
+
+std::optional<std::string> reponseRefusee(const ReponseNavigation& reponse) {
+    const auto scheme = reponse.url ? schemeDe(*reponse.url) : std::nullopt;
+    const std::string s = scheme ? enMinuscules(*scheme) : std::string();
+    if (s != "blob" && s != "data") return std::nullopt;
+    return ligneSchemeRefuse + s;
 }
 
 Politique deciderReponse(const ReponseNavigation& reponse) {

@@ -37,6 +37,10 @@ DecisionAction deciderAction(const ActionNavigation& action,
 // Attachments and what the view can't show become downloads; a response is never cancelled.
 Politique deciderReponse(const ReponseNavigation& reponse);
 
+// A file the page made (blob:, data:) is only ever saved: a response for one, in any frame, is
+// refused, with the log line to write.
+std::optional<std::string> reponseRefusee(const ReponseNavigation& reponse);
+
 // What to do when a page asks for a new window.
 struct DecisionFenetre {
     enum class Choix { rien, ouvrir, navigateur };

@@ -33,7 +33,8 @@ struct ActionNavigation {
     std::optional<std::string> url;
     TypeNavigation type = TypeNavigation::autre;
     CadreCible cible = CadreCible::principal;
-    bool telechargementDemande = false;
+    // The link asks for a download (its `download` attribute), where the engine says.
+    std::optional<bool> telechargementDemande = std::nullopt;
     // The engine's own word on whether a user gesture started the navigation, where the
     // engine gives one; nothing where it doesn't.
     std::optional<bool> gesteUtilisateur = std::nullopt;
@@ -192,6 +193,10 @@ class VueWeb {
     // The addresses of the back list, most recent first, at most `maximum` of them.
     virtual std::vector<std::string> historiqueArriere(std::size_t maximum) const = 0;
     virtual void reculerDe(std::size_t pas) = 0;
+    // Asks the page to close politely: the engine runs its before-unload handlers (which may ask
+    // Controleur::confirmationDepart) and reports to Controleur::fermetureDemandee if it agrees,
+    // possibly before this returns.
+    virtual void essayerFermer() = 0;
 
     // Finds the text in the page, case-insensitively and wrapping around, and selects the match;
     // the engine answers each search once, in order (Controleur::resultatRecherche).
@@ -247,6 +252,9 @@ class Fenetre {
     virtual void devant() = 0;
     // Forgets the close callback, so that closing the window reports nothing.
     virtual void oublierFermeture() = 0;
+    // The user's request to close the window (its close button, a key) goes to `demande` first;
+    // the window closes only when it answers true. Forgotten with the close callback.
+    virtual void retenirFermeture(std::function<bool()> demande) = 0;
     virtual void fermer() = 0;
     // An alert sheet attached to this window: it blocks this window only; `reponse`, if any,
     // runs once when it closes.

@@ -22,6 +22,14 @@ class ControleurTest : public testing::Test {
         std::filesystem::remove_all(dossier);
         std::filesystem::create_directories(dossier);
         Journal::definirChemin((dossier / "Brindex.log").string());
+        // The engine: asks first where the page wants it, reports a close agreed, notes departures.
+        p.moteur = [this](VueWebTest& vue, const std::string& acte) {
+            const auto suite = [this, &vue, acte](bool quitter) {
+                if (quitter) vue.departs.push_back(acte);
+                if (quitter && acte == "essayerFermer") controleur->fermetureDemandee(vue);
+            };
+            vue.confirmation ? controleur->confirmationDepart(vue, suite) : suite(true);
+        };
         controleur = Controleur::creer(p);
     }
     void TearDown() override {

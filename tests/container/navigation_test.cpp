@@ -36,7 +36,7 @@ TEST_F(Navigation, PolitiqueDesActions) {
     // URL, kind, target frame, download asked, the user pressed a button or a key just before,
     // the engine's word on a gesture where it gives one, decision, URL handed to the system,
     // log line written.
-    const std::tuple<std::optional<std::string>, TypeNavigation, CadreCible, bool, bool, std::optional<bool>, Politique, const char*, const char*> table[] = {
+    const std::tuple<std::optional<std::string>, TypeNavigation, CadreCible, std::optional<bool>, bool, std::optional<bool>, Politique, const char*, const char*> table[] = {
         {std::nullopt, lienActive, principal, false, true, {}, annuler, nullptr, nullptr},
         {"/relative", lienActive, principal, false, true, {}, annuler, nullptr, nullptr},
         {"MAILTO:a@b.example", lienActive, principal, false, true, {}, annuler, "MAILTO:a@b.example", nullptr},
@@ -56,7 +56,13 @@ TEST_F(Navigation, PolitiqueDesActions) {
         {"http://espace.example/wiki", lienActive, principal, false, true, {}, annuler, "http://espace.example/wiki", nullptr},
         {"https://video.example/embed", autre, sousCadre, false, false, {}, autoriser, nullptr, nullptr},
         {"https://espace.example/p", lienActive, aucun, false, false, {}, autoriser, nullptr, nullptr},
-        {"https://ailleurs.example/", lienActive, aucun, false, true, {}, annuler, "https://ailleurs.example/", nullptr}};
+        {"https://ailleurs.example/", lienActive, aucun, false, true, {}, annuler, "https://ailleurs.example/", nullptr},
+        // Files the page made, saved on the user's link: the engine says so, or makes it a download.
+        {"blob:https://espace.example/3f2a", lienActive, principal, true, true, true, telecharger, nullptr, nullptr},
+        {"data:text/csv,a;b", lienActive, inconnu, {}, true, {}, autoriser, nullptr, nullptr},
+        {"blob:https://espace.example/3f2a", lienActive, principal, true, false, {}, annuler, nullptr, "navigation REFUSEE scheme=blob"},
+        {"blob:https://ailleurs.example/3f2a", lienActive, principal, true, true, {}, annuler, nullptr, "navigation REFUSEE scheme=blob"},
+        {"BLOB:https://espace.example/3f2a", autre, principal, true, true, {}, annuler, nullptr, "navigation REFUSEE scheme=blob"}};
     // clang-format on
     for (const auto& [url, type, cible, telechargement, clic, geste, attendue, ouverte, ligne] :
          table) {
@@ -114,7 +120,8 @@ TEST_F(Navigation, PolitiqueDesReponses) {
     const std::pair<ReponseNavigation, Politique> reponses[] = {
         {{true, "Attachment; filename=x.pdf", true}, telecharger}, {{true, "inline; filename=\"attachment.pdf\"", true}, telecharger},
         {{true, "inline", true}, autoriser}, {{true, std::nullopt, true}, autoriser},
-        {{true, std::nullopt, false}, telecharger}, {{false, "attachment", true}, autoriser}};
+        {{true, std::nullopt, false}, telecharger}, {{false, "attachment", true}, autoriser},
+        {{true, std::nullopt, true, "data:text/html,x"}, annuler}};
     // clang-format on
     for (const auto& [reponse, attendue] : reponses) {
         EXPECT_EQ(controleur->deciderReponse(vue, reponse), attendue)

@@ -25,10 +25,18 @@ import espace_demo  # noqa: E402
 from espace_demo import page, SITE_EXTERNE  # noqa: E402
 
 QUITTER = page("Brouillon", """
-<section><h2>Brouillon non enregistré</h2><textarea id="texte">À relire</textarea></section>
+<section><h2>Brouillon non enregistré</h2><textarea id="texte">À relire</textarea>
+<button id="fenetre" onclick="window.open('/hostile/quitter')">Fenêtre</button></section>
 <script>addEventListener("beforeunload", e => { e.preventDefault(); e.returnValue = ""; });
 </script>""")
 
+# Files the page makes: saved on the user's click, never shown, never saved by a script alone.
+EXPORT = page("Export", """<button id="blob">Exporter</button> <button id="data">Tableau</button>
+<a id="voir">Voir</a><script>const f = URL.createObjectURL(new Blob(["Exporté par la page\\n"]));
+function lien(href, nom) { const a = document.body.appendChild(document.createElement("a"));
+  a.href = href; a.download = nom; a.click(); a.remove(); }
+blob.onclick = () => lien(f, "export.txt"); voir.href = f; onload = () => lien(f, "auto.txt");
+data.onclick = () => lien("data:text/csv,a;b", "tableau.csv");</script>""")
 # A page of the knowledge base as staff use it: a word to find, print buttons (one that prints in
 # a loop), a meeting link and a French text field.
 BUREAU = page("Compte rendu", """
@@ -138,9 +146,12 @@ class EspaceHostile(espace_demo.Espace):
             ok = self.headers.get("Authorization") == "Basic YW5uZTpzZWNyZXQ="  # anne:secret
             self.repondre(200 if ok else 401, CONNECTE if ok else page("Refusé", ""), entetes=[]
                           if ok else [("WWW-Authenticate", 'Basic realm="Espace Brindex"')])
-        elif adresse.path == "/hostile/quitter":
+        elif adresse.path in ("/hostile/quitter", "/hostile/export"):
+            # The draft sets a cookie for a year, beside the pages' session cookie.
             self.noter()
-            self.repondre(200, QUITTER)
+            brouillon = "quitter" in adresse.path
+            self.repondre(200, QUITTER if brouillon else EXPORT, entetes=[
+                ("Set-Cookie", "garde=1; Max-Age=31536000; Path=/")] if brouillon else [])
         elif adresse.path == "/hostile/cadres":
             self.noter()
             self.repondre(200, CADRES % self.server.server_address[1])

@@ -5,7 +5,7 @@ The profile has its own HOME and XDG folders, a Downloads folder, and default ha
 web, mail and folder URIs that only record what they were given (so no browser starts). The
 test space is started on a free port (and for "connexion" scenarios, identity providers from npm
 on 127.0.0.2); the scenario binary then runs under Xvfb with a private session bus, and finds
-everything it needs in BRINDEX_E2E_* variables. "a+b" runs a, then b in the same profile.
+everything it needs in BRINDEX_E2E_* variables.
 """
 import os
 import random
@@ -87,7 +87,7 @@ def main():
         sys.exit("usage: scenario.py <brindex_e2e binary> <scenario>")
     binaire, scenario = sys.argv[1], sys.argv[2]
     profil = tempfile.mkdtemp(prefix="brindex-e2e-")
-    serveur, idp = None, []
+    serveur, appli, idp = None, None, []
     try:
         dossiers, telechargements, ouverts = preparer_profil(profil)
         journal_serveur = os.path.join(profil, "requetes.jsonl")
@@ -98,6 +98,12 @@ def main():
             [sys.executable, SERVEUR, "--port", "0", "--journal", journal_serveur, "--lent", "3",
              "--second", str(libre)], stdout=subprocess.PIPE, text=True,
             env=dict(os.environ, **urls_idp))
+        # A scenario named after a real wiki gets it, served from a throw-away copy.
+        wiki, donnees, adresse = scenario.split("-")[0], os.path.join(profil, "wiki"), ""
+        if wiki in ("dokuwiki", "tiddlywiki"):
+            appli = subprocess.Popen([sys.executable, os.path.join(RACINE, "scripts", "wiki_reel.py"),
+                                      wiki, donnees], stdout=subprocess.PIPE, text=True)
+            adresse = "http://127.0.0.1:%s/" % appli.stdout.readline().split()[1]
         premiere = serveur.stdout.readline().split()
         if len(premiere) != 2 or premiere[0] != "PORT":
             sys.exit("the test space did not start")
@@ -116,22 +122,21 @@ def main():
             "BRINDEX_E2E_TELECHARGEMENTS": telechargements,
             "BRINDEX_E2E_SERVEUR_PID": str(serveur.pid),
             "BRINDEX_E2E_PORT_LIBRE": str(libre),
+            "BRINDEX_E2E_WIKI": adresse,
             "GTK_A11Y": "none",
             "NO_AT_BRIDGE": "1",
             "LANG": "C.UTF-8",
         })
         # Xvfb first, so that what the session bus starts (portals) finds the display; a display
         # number drawn at random, so that runs side by side don't race for the same one.
-        for phase in scenario.split("+"):
-            commande = ["xvfb-run", "-a", "-n", str(random.randint(100, 30000)), "-s",
-                        "-screen 0 1400x1000x24", "dbus-run-session", "--", binaire, phase]
-            debut = time.time()
-            resultat = subprocess.run(commande, env=env, timeout=180)
-            print("scenario %s: %.1f s" % (phase, time.time() - debut))
-            if resultat.returncode:
-                sys.exit(resultat.returncode)
+        commande = ["xvfb-run", "-a", "-n", str(random.randint(100, 30000)), "-s", "-screen 0 1400x1000x24", "dbus-run-session", "--",
+                    binaire, scenario]
+        debut = time.time()
+        resultat = subprocess.run(commande, env=env, timeout=180)
+        print("scenario %s: %.1f s" % (scenario, time.time() - debut))
+        sys.exit(resultat.returncode)
     finally:
-        for p in filter(None, [serveur] + idp):
+        for p in filter(None, [serveur, appli] + idp):
             p.terminate()
             p.wait()
         if os.environ.get("BRINDEX_E2E_GARDER"):

@@ -194,8 +194,8 @@ void reseauRetabli(ApplicationGtk& app) {
 const Enregistrement inscrits[] = {
     {"connexion-saml",
      {[] { administrer(saml), stockerAdresse(espace() + "saml/"); }, connexionSaml}},
-    {"connexion-question", {[] { stockerAdresse(espace() + "oidc/"); }, connexionQuestion}},
-    {"connexion-relance", {nullptr, connexionRelance}},
+    {"connexion-question",
+     {[] { stockerAdresse(espace() + "oidc/"); }, connexionQuestion, connexionRelance}},
     {"connexion-fenetre", {[] { administrer(oidc), espaceStocke(); }, connexionFenetre}},
     {"connexion-expiree", {[] { administrer(oidc), espaceStocke(); }, connexionExpiree}},
     {"authentification", {[] { stockerAdresse(espace() + "basic/"); }, authentification}},

@@ -49,10 +49,18 @@ struct VueWebTest : VueWeb {
     explicit VueWebTest(bool avecConfiguration) : creeeAvecConfiguration(avecConfiguration) {}
     void charger(const std::string& u, double d) override { chargements.emplace_back(u, d); }
     void arreter() override { actions.push_back("arreter"); }
-    void recharger() override { actions.push_back("recharger"); }
-    void rechargerOrigine() override { actions.push_back("rechargerOrigine"); }
-    void reculer() override { actions.push_back("reculer"); }
-    void avancer() override { actions.push_back("avancer"); }
+    void recharger() override { agir("recharger"); }
+    void rechargerOrigine() override { agir("rechargerOrigine"); }
+    void reculer() override { agir("reculer"); }
+    void avancer() override { agir("avancer"); }
+    void essayerFermer() override { agir("essayerFermer"); }
+    void agir(const std::string& acte) {
+        actions.push_back(acte);
+        if (moteur) moteur(*this, acte);
+    }
+    std::function<void(VueWebTest&, const std::string&)> moteur;
+    bool confirmation = false;
+    std::vector<std::string> departs;
     double zoom() const override { return zoom_; }
     void definirZoom(double z) override { zoom_ = z; }
     std::optional<std::string> url() const override { return urlCourante; }
@@ -124,8 +132,10 @@ struct FenetreTest : FenetrePrincipale {
         temoin.rendreCle(this);
         temoin.trace("devant");
     }
-    void oublierFermeture() override { vaFermer_ = nullptr; }
-    // Also the user's press on the close button.
+    void oublierFermeture() override { vaFermer_ = retenue = nullptr; }
+    void retenirFermeture(std::function<bool()> demande) override { retenue = std::move(demande); }
+    // The user's press on the close button.
+    void demanderFermeture() { (!retenue || retenue()) ? fermer() : void(); }
     void fermer() override {
         if (fermee) return;
         fermee = true;
@@ -163,6 +173,7 @@ struct FenetreTest : FenetrePrincipale {
 
     Temoin& temoin;
     std::function<void()> vaFermer_;
+    std::function<bool()> retenue;
     std::string titre;
     bool cle = false, fermee = false, barreVisible = false;
     std::optional<std::string> barre_;
@@ -175,7 +186,7 @@ struct FenetreTest : FenetrePrincipale {
     std::vector<Alerte> feuilles;
     std::shared_ptr<RechercheDansPage> recherche;
     // What each sheet runs when it closes, in the order they were shown.
-    std::vector<std::function<void(ReponseAlerte)>> reponsesEnAttente;
+    std::deque<std::function<void(ReponseAlerte)>> reponsesEnAttente;
 };
 
 struct PlateformeTest : Plateforme, Temoin {
@@ -187,7 +198,9 @@ struct PlateformeTest : Plateforme, Temoin {
     std::shared_ptr<VueWeb> creerVueWeb(const ParametresVueWeb& p,
                                         const ConfigurationMoteur* configuration) override {
         trace(p.principale ? "vue principale" : "vue secondaire");
-        return vues.emplace_back(std::make_shared<VueWebTest>(configuration != nullptr));
+        auto& vue = vues.emplace_back(std::make_shared<VueWebTest>(configuration != nullptr));
+        vue->moteur = moteur;
+        return vue;
     }
     std::shared_ptr<Fenetre> creerFenetreSecondaire(const ParametresFenetre& p,
                                                     std::shared_ptr<VueWeb> vue,
@@ -249,6 +262,7 @@ struct PlateformeTest : Plateforme, Temoin {
     TransportTest transport_;
     std::vector<std::shared_ptr<FenetreTest>> principales, secondaires;
     std::vector<std::shared_ptr<VueWebTest>> vues;
+    std::function<void(VueWebTest&, const std::string&)> moteur;
     std::vector<std::string> urlsOuvertes, reveles;
     // The system's application for each scheme.
     std::map<std::string, std::string> applications;

@@ -12,6 +12,8 @@
 // C++ window object owns this one.
 @interface BrindexDelegueFenetre : NSObject <NSWindowDelegate>
 @property(nonatomic) std::function<void()> vaFermer;
+// Asked when the user closes the window (its close button, Command-W); it closes on YES only.
+@property(nonatomic) std::function<bool()> retenue;
 @end
 
 // A button's target that runs a callback.
@@ -35,6 +37,7 @@ class FenetreCocoa : public Interface {
     bool estCle() const override;
     void devant() override;
     void oublierFermeture() override;
+    void retenirFermeture(std::function<bool()> demande) override;
     void fermer() override;
     using Interface::feuille;
     void feuille(const Alerte &alerte, std::function<void(ReponseAlerte)> reponse) override;

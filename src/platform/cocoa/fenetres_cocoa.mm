@@ -7,6 +7,11 @@
 
 @implementation BrindexDelegueFenetre
 
+- (BOOL)windowShouldClose:(NSWindow *)sender {
+    if (auto retenue = self.retenue) return retenue();
+    return YES;
+}
+
 - (void)windowWillClose:(NSNotification *)notification {
     // The callback may release this object's owner: it runs from a copy.
     if (auto rappel = self.vaFermer) rappel();
@@ -184,6 +189,12 @@ template <typename Interface>
 void FenetreCocoa<Interface>::oublierFermeture() {
     fenetre_.delegate = nil;
     delegue_.vaFermer = nullptr;
+    delegue_.retenue = nullptr;
+}
+
+template <typename Interface>
+void FenetreCocoa<Interface>::retenirFermeture(std::function<bool()> demande) {
+    delegue_.retenue = std::move(demande);
 }
 
 template <typename Interface>

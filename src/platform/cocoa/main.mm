@@ -128,6 +128,12 @@ class CoquilleCocoa : public brindex::Coquille {
     return YES;
 }
 
+// Quitting asks the pages first; once they all agreed, the main window closes, which ends the
+// application.
+- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication *)sender {
+    return _controleur->quitter() ? NSTerminateNow : NSTerminateCancel;
+}
+
 - (BOOL)applicationSupportsSecureRestorableState:(NSApplication *)app {
     return YES;
 }

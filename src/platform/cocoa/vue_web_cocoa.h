@@ -42,7 +42,7 @@ class ConfigurationCocoa : public ConfigurationMoteur {
 };
 
 // A WKWebView whose delegate and observations reach the controller.
-class VueWebCocoa final : public VueWeb {
+class VueWebCocoa final : public VueWeb, public std::enable_shared_from_this<VueWebCocoa> {
    public:
     VueWebCocoa(const ParametresVueWeb &parametres, WKWebViewConfiguration *fournie,
                 std::weak_ptr<Controleur> controleur,
@@ -72,6 +72,7 @@ class VueWebCocoa final : public VueWeb {
     // Keeps WebKit's decision handler of a navigation the controller answers later; a previous
     // one still waiting is cancelled (WebKit wants every handler called once).
     void differer(std::function<void(Politique)> repondre);
+    void essayerFermer() override;
     void chercher(const std::string &texte, SensRecherche sens) override;
     void finirRecherche() override;
     void focaliser() override;
@@ -79,6 +80,7 @@ class VueWebCocoa final : public VueWeb {
 
    private:
     WKWebView *webView_;
+    std::weak_ptr<Controleur> controleur_;
     BrindexDelegueWeb *delegue_;
     // The title and progress observations of the main web view; they end with detacher().
     id observateur_ = nil;

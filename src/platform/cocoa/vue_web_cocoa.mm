@@ -9,6 +9,14 @@
 using brindex::cocoa::ns;
 using brindex::cocoa::texteOptionnel;
 
+// WebKit's own way to close a page politely, which the public API lacks (WKWebViewPrivate.h,
+// macOS 10.15.4 and later): it runs the page's before-unload handlers, which ask through the UI
+// delegate's private panel below, then calls webViewDidClose: if the page agrees; YES when the
+// page may close at once. Every call is guarded by respondsToSelector:.
+@interface WKWebView (BrindexDepart)
+- (BOOL)_tryClose;
+@end
+
 namespace {
 
 // A running download, known by its WKDownload.
@@ -447,6 +455,22 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
     if (const auto controleur = _controleur.lock()) controleur->fermetureDemandee(*_vue);
 }
 
+// WKUIDelegatePrivate, macOS 10.13 and later. WebKit asks it before a page that wants to be
+// confirmed is left, whichever way: a load, a reload, history, a link, _tryClose. Without it
+// WebKit doesn't even run before-unload handlers, and the public API has no such call.
+- (void)_webView:(WKWebView *)webView
+    runBeforeUnloadConfirmPanelWithMessage:(NSString *)message
+                          initiatedByFrame:(WKFrameInfo *)frame
+                         completionHandler:(void (^)(BOOL))completionHandler {
+    const auto controleur = _controleur.lock();
+    if (!controleur) {
+        completionHandler(NO);
+        return;
+    }
+    controleur->confirmationDepart(
+        *_vue, [completionHandler](bool quitter) { completionHandler(quitter); });
+}
+
 - (void)webView:(WKWebView *)webView
     runJavaScriptAlertPanelWithMessage:(NSString *)message
                       initiatedByFrame:(WKFrameInfo *)frame
@@ -520,7 +544,8 @@ namespace brindex::cocoa {
 
 VueWebCocoa::VueWebCocoa(const ParametresVueWeb &parametres, WKWebViewConfiguration *fournie,
                          std::weak_ptr<Controleur> controleur,
-                         BrindexDelegueTelechargements *telechargements) {
+                         BrindexDelegueTelechargements *telechargements)
+    : controleur_(controleur) {
     WKWebViewConfiguration *configuration = fournie;
     if (!configuration) {
         configuration = [[WKWebViewConfiguration alloc] init];
@@ -627,6 +652,42 @@ void VueWebCocoa::reculerDe(std::size_t pas) {
         [webView_ goToBackForwardListItem:element];
     }
 }
+
+void VueWebCocoa::essayerFermer() {
+    if ([webView_ respondsToSelector:@selector(_tryClose)]) {
+        if ([webView_ _tryClose]) {
+            if (const auto controleur = controleur_.lock()) controleur->fermetureDemandee(*this);
+        }
+        return;
+    }
+    // Without WebKit's own way, the page is asked by a script: a cancelable "beforeunload" event
+    // and its handler property, as a page that wants to be confirmed answers them (preventDefault,
+    // a returned text). What WebKit alone knows goes unseen: whether the user interacted with the
+    // page, and a handler that only sets a text as returnValue.
+    static NSString *const sonde =
+        @"(() => { const e = new Event('beforeunload', {cancelable: true});"
+         " const r = typeof onbeforeunload === 'function' ? onbeforeunload(e) : undefined;"
+         " dispatchEvent(e); return e.defaultPrevented || (typeof r === 'string' && r !== ''); "
+         "})()";
+    std::weak_ptr<Controleur> faible = controleur_;
+    std::weak_ptr<VueWebCocoa> faibleVue = weak_from_this();
+    [webView_ evaluateJavaScript:sonde
+               completionHandler:^(id resultat, NSError *erreur) {
+                   const auto controleur = faible.lock();
+                   const auto vue = faibleVue.lock();
+                   if (!controleur || !vue) return;
+                   if (![resultat isKindOfClass:NSNumber.class] || ![resultat boolValue]) {
+                       controleur->fermetureDemandee(*vue);
+                       return;
+                   }
+                   controleur->confirmationDepart(*vue, [faible, faibleVue](bool quitter) {
+                       const auto c = faible.lock();
+                       const auto v = faibleVue.lock();
+                       if (c && v && quitter) c->fermetureDemandee(*v);
+                   });
+               }];
+}
+
 void VueWebCocoa::chercher(const std::string &texte, SensRecherche sens) {
     WKFindConfiguration *configuration = [[WKFindConfiguration alloc] init];
     configuration.caseSensitive = NO;

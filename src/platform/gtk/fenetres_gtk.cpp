@@ -90,6 +90,8 @@ FenetreGtk<Interface>::~FenetreGtk() {
 template <typename Interface>
 gboolean FenetreGtk<Interface>::surDemandeFermeture(GtkWindow*, gpointer donnees) {
     auto* soi = static_cast<FenetreGtk*>(donnees);
+    // Held while the pages are asked; the controller closes the window once they agreed.
+    if (auto retenue = soi->retenue_; retenue && !retenue()) return TRUE;
     soi->avantFermeture();
     // The callback may release this object: it runs from a copy, last.
     if (auto rappel = soi->vaFermer_) rappel();

@@ -32,7 +32,11 @@ class FenetreGtk : public Interface {
     void definirTitre(const std::string& titre) override;
     bool estCle() const override;
     void devant() override;
-    void oublierFermeture() override { vaFermer_ = nullptr; }
+    void oublierFermeture() override {
+        vaFermer_ = nullptr;
+        retenue_ = nullptr;
+    }
+    void retenirFermeture(std::function<bool()> demande) override { retenue_ = std::move(demande); }
     void fermer() override;
     using Interface::feuille;
     void feuille(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) override;
@@ -54,6 +58,7 @@ class FenetreGtk : public Interface {
     std::function<void()> annulerConnexion_;
     std::unique_ptr<BarreRechercheGtk> recherche_;
     std::function<void()> vaFermer_;
+    std::function<bool()> retenue_;
     bool detruite_ = false;
 };
 

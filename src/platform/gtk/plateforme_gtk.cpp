@@ -12,16 +12,45 @@
 
 namespace brindex::gtk {
 
+namespace {
+
+// The application's own network session: site data in $XDG_DATA_HOME/brindex, the cache in
+// $XDG_CACHE_HOME/brindex, and the cookies in an SQLite file beside the data, since WebKit keeps
+// them in memory only unless told where to store them. Session cookies still end with the run.
+Ref<WebKitNetworkSession> sessionPersistante() {
+    char* donnees = g_build_filename(g_get_user_data_dir(), "brindex", nullptr);
+    char* cache = g_build_filename(g_get_user_cache_dir(), "brindex", nullptr);
+    char* biscuits = g_build_filename(donnees, "cookies.sqlite", nullptr);
+    g_mkdir_with_parents(donnees, 0700);
+    WebKitNetworkSession* nouvelle = webkit_network_session_new(donnees, cache);
+    // Not floating: the holder takes a reference of its own, and the creator's goes.
+    auto session = Ref<WebKitNetworkSession>::partager(nouvelle);
+    g_object_unref(nouvelle);
+    webkit_cookie_manager_set_persistent_storage(
+        webkit_network_session_get_cookie_manager(session.get()), biscuits,
+        WEBKIT_COOKIE_PERSISTENT_STORAGE_SQLITE);
+    // Nothing but the user removes site data: no tracking prevention purging the cookies of a
+    // sign-in site the user hasn't visited for a while.
+    webkit_network_session_set_itp_enabled(session.get(), FALSE);
+    g_free(biscuits);
+    g_free(cache);
+    g_free(donnees);
+    return session;
+}
+
+}  // namespace
+
 PlateformeGtk::PlateformeGtk(GtkApplication* application)
-    : application_(application), reglages_(ReglagesGtk::parDefaut()) {
+    : application_(application),
+      session_(sessionPersistante()),
+      reglages_(ReglagesGtk::parDefaut()) {
     // Every download of every view goes through the one persistent session.
-    g_signal_connect(webkit_network_session_get_default(), "download-started",
-                     G_CALLBACK(surTelechargement), this);
+    g_signal_connect(session_.get(), "download-started", G_CALLBACK(surTelechargement), this);
     Journal::ecrire(ligneOrthographe(activerOrthographe(languesOrthographe(nomsLocale()))));
 }
 
 PlateformeGtk::~PlateformeGtk() {
-    g_signal_handlers_disconnect_by_data(webkit_network_session_get_default(), this);
+    g_signal_handlers_disconnect_by_data(session_.get(), this);
     for (const auto& [telechargement, entree] : telechargements_) {
         g_signal_handlers_disconnect_by_data(telechargement, this);
     }
@@ -49,7 +78,7 @@ std::shared_ptr<VueWeb> PlateformeGtk::creerVueWeb(const ParametresVueWeb& param
     const auto* gtkConfiguration = dynamic_cast<const ConfigurationGtk*>(configuration);
     return std::make_shared<VueWebGtk>(parametres,
                                        gtkConfiguration ? gtkConfiguration->ouvreur : nullptr,
-                                       controleur_, sansComposition_);
+                                       session_.get(), controleur_, sansComposition_);
 }
 
 std::shared_ptr<Fenetre> PlateformeGtk::creerFenetreSecondaire(const ParametresFenetre& parametres,

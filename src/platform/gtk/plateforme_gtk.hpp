@@ -75,6 +75,8 @@ class PlateformeGtk : public Plateforme {
     std::shared_ptr<TelechargementGtk> entree(WebKitDownload* telechargement) const;
 
     GtkApplication* application_;
+    // Every view's cookies, site data and cache, kept across launches.
+    Ref<WebKitNetworkSession> session_;
     std::weak_ptr<Controleur> controleur_;
     ReglagesGtk reglages_;
     TransportSoup transport_;

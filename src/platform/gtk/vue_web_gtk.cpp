@@ -93,7 +93,8 @@ struct DialogueEnAttente {
 };
 
 VueWebGtk::VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
-                     std::weak_ptr<Controleur> controleur, bool sansComposition)
+                     WebKitNetworkSession* session, std::weak_ptr<Controleur> controleur,
+                     bool sansComposition)
     : controleur_(std::move(controleur)) {
     WebKitSettings* reglages = reglagesMoteur(parametres);
     if (sansComposition) {
@@ -106,10 +107,8 @@ VueWebGtk::VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
         objet = static_cast<GObject*>(g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", ouvreur,
                                                    "settings", reglages, nullptr));
     } else {
-        // The default network session keeps cookies and site data across launches.
-        objet = static_cast<GObject*>(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
-                                                   webkit_network_session_get_default(), "settings",
-                                                   reglages, nullptr));
+        objet = static_cast<GObject*>(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session,
+                                                   "settings", reglages, nullptr));
     }
     g_object_unref(reglages);
     vue_ = Ref<WebKitWebView>::prendre(WEBKIT_WEB_VIEW(objet));
@@ -209,6 +208,12 @@ std::optional<std::string> VueWebGtk::titre() const {
 }
 double VueWebGtk::progression() const {
     return webkit_web_view_get_estimated_load_progress(vue_.get());
+}
+void VueWebGtk::essayerFermer() {
+    // WebKit may agree before this returns ("close"), and the controller tear this view down
+    // then: it stays until WebKit is done.
+    const auto garde = shared_from_this();
+    webkit_web_view_try_close(vue_.get());
 }
 bool VueWebGtk::aUnePageARecharger() const {
     return webkit_back_forward_list_get_current_item(
@@ -612,7 +617,8 @@ void VueWebGtk::surPret(WebKitWebView*, gpointer donnees) {
 }
 
 void VueWebGtk::surFermeture(WebKitWebView*, gpointer donnees) {
-    VueWebGtk* vue = soi(donnees);
+    // The answer may tear this view down, inside WebKit's own signal.
+    const auto vue = soi(donnees)->shared_from_this();
     if (const auto c = vue->controleur_.lock()) c->fermetureDemandee(*vue);
 }
 
@@ -646,9 +652,12 @@ gboolean VueWebGtk::surDialogue(WebKitWebView*, WebKitScriptDialog* dialogue, gp
             break;
         }
         case WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM:
-            // Leaving a page is never held up by the page: confirmed here, and closed by WebKit
-            // when the signal returns.
-            webkit_script_dialog_confirm_set_confirmed(dialogue, TRUE);
+            // Whatever way the page is left (a load, a reload, history, closing), WebKit asks
+            // here; the navigation or the close waits for the answer.
+            c->confirmationDepart(*vue, [attente](bool quitter) {
+                webkit_script_dialog_confirm_set_confirmed(attente->dialogue, quitter);
+                attente->terminer();
+            });
             break;
     }
     attente->dansSignal = false;

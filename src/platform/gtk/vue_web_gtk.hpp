@@ -24,10 +24,11 @@ class ConfigurationGtk : public ConfigurationMoteur {
 // A WebKitWebView whose engine callbacks become the controller's plain values.
 class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> {
   public:
-    // `ouvreur`: the web view whose page asked for this one, which shares its session.
-    // `sansComposition`: WebKit never composites in hardware.
+    // `ouvreur`: the web view whose page asked for this one, which shares its session; without
+    // one, the view is on `session`. `sansComposition`: WebKit never composites in hardware.
     VueWebGtk(const ParametresVueWeb& parametres, WebKitWebView* ouvreur,
-              std::weak_ptr<Controleur> controleur, bool sansComposition);
+              WebKitNetworkSession* session, std::weak_ptr<Controleur> controleur,
+              bool sansComposition);
     ~VueWebGtk() override;
     VueWebGtk(const VueWebGtk&) = delete;
     VueWebGtk& operator=(const VueWebGtk&) = delete;
@@ -51,6 +52,7 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     void trancher(Politique politique) override;
     std::vector<std::string> historiqueArriere(std::size_t maximum) const override;
     void reculerDe(std::size_t pas) override;
+    void essayerFermer() override;
     void chercher(const std::string& texte, SensRecherche sens) override;
     void finirRecherche() override;
     void focaliser() override;
