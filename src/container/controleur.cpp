@@ -337,7 +337,7 @@ Politique Controleur::deciderReponse(VueWeb& vue, const ReponseNavigation& repon
 
 void Controleur::chargementTermine(VueWeb& vue) {
     if (webView_ && &vue == webView_.get()) principaleADejaCharge_ = true;
-    Journal::ecrire(ligneSucces(vue.url()));
+    Journal::ecrire(ligneSucces(adresseJournal(vue)));
     finirConnexionSiEspace(vue);
     if (const auto place = placeDe(vue)) place->recherche->pageChargee(vue.url());
 }
@@ -378,7 +378,7 @@ void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
 void Controleur::processusTermine(VueWeb& vue, FinProcessus fin) {
     Journal::ecrire(std::string("processus web ECHEC ") +
                     (fin == FinProcessus::plantage ? "plantage " : "memoire ") +
-                    (vue.url() ? Journal::adresse(*vue.url()) : std::string("?")));
+                    adresseJournal(vue).value_or("?"));
     const bool principale = webView_ && &vue == webView_.get();
     FenetreSecondaire* secondaire = principale ? nullptr : secondaireDe(vue);
     // A view no longer shown has nothing to come back to, and leaves nothing behind.

@@ -232,6 +232,9 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     // A page of the space loaded in the view: its round trip is over.
     void finirConnexionSiEspace(VueWeb& vue);
     void reculerVersEspace(VueWeb& vue);
+    // The view's address as the log may hold it: whole on the space's own pages outside a round
+    // trip; elsewhere scheme, host, port and path only.
+    std::optional<std::string> adresseJournal(const VueWeb& vue) const;
     Fenetre* fenetreDe(const VueWeb* vue) const;
     std::shared_ptr<VueWeb> vuePartagee(const VueWeb* vue) const;
 

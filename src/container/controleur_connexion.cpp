@@ -37,6 +37,14 @@ std::shared_ptr<VueWeb> Controleur::vuePartagee(const VueWeb* vue) const {
     return nullptr;
 }
 
+std::optional<std::string> Controleur::adresseJournal(const VueWeb& vue) const {
+    auto url = vue.url();
+    if (url && (trajets_.count(&vue) || Origine::depuis(*url) != origineDe(vue))) {
+        url = Journal::adresse(*url);
+    }
+    return url;
+}
+
 std::optional<TrajetConnexion> Controleur::trajetDe(const VueWeb& vue) const {
     const auto trajet = trajets_.find(&vue);
     if (trajet == trajets_.end()) return std::nullopt;

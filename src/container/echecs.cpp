@@ -1,7 +1,5 @@
 #include "container/echecs.hpp"
 
-#include "log/journal.hpp"
-
 namespace brindex {
 
 bool echecIgnore(const ErreurChargement& erreur) {
@@ -31,7 +29,7 @@ std::string ligneEchec(const ErreurChargement& erreur) {
 }
 
 std::string ligneSucces(const std::optional<std::string>& url) {
-    return "navigation OK " + (url ? Journal::adresse(*url) : std::string("?"));
+    return "navigation OK " + url.value_or("?");
 }
 
 std::string detailLisible(const ErreurChargement& erreur, const std::optional<Url>& adresseEspace) {

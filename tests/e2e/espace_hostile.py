@@ -6,17 +6,7 @@ through the providers at $BRINDEX_E2E_OIDC (PKCE) and $BRINDEX_E2E_SAML, Basic (
 
     espace_hostile.py [--port N] [--journal FILE] [--lent SECONDES]
 """
-import base64
-import hashlib
-import json
-import os
-import secrets
-import signal
-import sys
-import threading
-import time
-import urllib.request
-import zlib
+import base64, hashlib, json, os, secrets, signal, sys, threading, time, urllib.request, zlib
 from urllib.parse import parse_qs, quote, urlencode, urlsplit
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..",
@@ -73,14 +63,12 @@ CADRE = """<!doctype html><html><body style="margin:0"><a id="lien" %s
 <script>parent.postMessage(location.href, "*");</script></body></html>"""
 
 
-OIDC, SAML = os.environ.get("BRINDEX_E2E_OIDC"), os.environ.get("BRINDEX_E2E_SAML")
-VERIFICATEURS = {}  # PKCE: state -> code_verifier
+OIDC, SAML, VERIFICATEURS = os.environ.get("BRINDEX_E2E_OIDC"), os.environ.get("BRINDEX_E2E_SAML"), {}
 CONNECTE = page("Connectée", "<section><p id='connecte'>Vous êtes connectée.</p></section>")
-FENETRE_CONNEXION = page("Connexion par fenêtre", """<section><button id="connexion"
- onclick="window.open('%s')">Se connecter</button><output id="etat"></output></section><script>
-addEventListener("message", async e => { const r = e.data.response || {};
-  const ok = (await fetch("/oidc/echange?" + new URLSearchParams(r))).ok;
-  document.getElementById("etat").textContent = ok ? "connectée" : "refusée"; });</script>""")
+FENETRE_CONNEXION = page("Connexion par fenêtre", """<button id="connexion" onclick="window.open('%s')">
+Se connecter</button><output id="etat"></output><script>addEventListener("message", async e => etat
+.textContent = (await fetch("/oidc/echange?" + new URLSearchParams(e.data.response))).ok ? "connectée" : "");
+</script>""")
 
 
 class EspaceHostile(espace_demo.Espace):
@@ -100,9 +88,9 @@ class EspaceHostile(espace_demo.Espace):
         corps = urlencode(dict(grant_type="authorization_code", code=p.get("code", ""),
                                redirect_uri=self.racine() + "/oidc/retour", client_id="brindex",
                                code_verifier=VERIFICATEURS.pop(p.get("state"), ""))).encode()
-        try:
-            ouvreur = urllib.request.build_opener(urllib.request.ProxyHandler({}))
-            return "id_token" in json.load(ouvreur.open(OIDC + "/token", corps, timeout=5))
+        try:  # straight to the provider, whatever the environment's proxy
+            return "id_token" in json.load(urllib.request.build_opener(urllib.request.ProxyHandler(
+                {})).open(OIDC + "/token", corps, timeout=5))
         except OSError:
             return False
 

@@ -3,9 +3,8 @@
 
 The profile has its own HOME and XDG folders, a Downloads folder, and default handlers for
 web, mail and folder URIs that only record what they were given (so no browser starts). The
-test space is started on a free port (and for "connexion" scenarios, identity providers from npm
-on 127.0.0.2); the scenario binary then runs under Xvfb with a private session bus, and finds
-everything it needs in BRINDEX_E2E_* variables.
+test space runs on a free port (with identity providers on 127.0.0.2 for "connexion" scenarios);
+the scenario binary runs under Xvfb with a private session bus, told all in BRINDEX_E2E_* variables.
 """
 import os
 import random
@@ -59,17 +58,13 @@ def preparer_profil(profil):
 
 
 def port_libre(hote="127.0.0.1"):
-    with socket.socket() as s:
-        s.bind((hote, 0))
-        return s.getsockname()[1]
+    return socket.create_server((hote, 0)).getsockname()[1]
 
 
-# oidc-provider, and saml-idp with a key and a certificate made for the run.
-def fournisseurs(profil, espace, oidc, saml):
+def fournisseurs(profil, espace, oidc, saml):  # saml-idp's key and certificate made for the run
     cle, certificat = os.path.join(profil, "idp.key"), os.path.join(profil, "idp.pem")
-    subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "1",
-                    "-subj", "/CN=IdP de test", "-keyout", cle, "-out", certificat],
-                   check=True, capture_output=True)
+    subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", "/CN=IdP",
+                    "-keyout", cle, "-out", certificat], check=True, capture_output=True)
     saml_idp = os.path.join(RACINE, "node_modules", "saml-idp", "bin", "run.js")
     processus = [subprocess.Popen(c, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) for c in (
         ["node", os.path.join(ICI, "fournisseur_oidc.mjs"), str(oidc), espace + "oidc/retour"],

@@ -3,13 +3,10 @@
 
 #include <signal.h>
 
-#include <filesystem>
-
 #include "pilote.hpp"
 
-// GLib's own test hooks of its plain network monitor (not in its public headers).
-extern "C" void g_network_monitor_base_add_network(GNetworkMonitor*, GInetAddressMask*);
-extern "C" void g_network_monitor_base_remove_network(GNetworkMonitor*, GInetAddressMask*);
+// A test hook of GLib's plain network monitor (not in its public headers).
+extern "C" void g_network_monitor_base_set_networks(GNetworkMonitor*, GInetAddressMask**, int);
 
 namespace brindex::e2e {
 namespace {
@@ -17,11 +14,8 @@ namespace {
 using gtk::ApplicationGtk;
 
 // The providers' addresses, and their hosts as the bar and the log name them.
-std::string adresse(const char* nom) {
-    const char* valeur = g_getenv(nom);
-    return valeur ? valeur : "";
-}
-const std::string oidc = adresse("BRINDEX_E2E_OIDC"), saml = adresse("BRINDEX_E2E_SAML");
+const std::string oidc = g_getenv("BRINDEX_E2E_OIDC") ? g_getenv("BRINDEX_E2E_OIDC") : "";
+const std::string saml = g_getenv("BRINDEX_E2E_SAML") ? g_getenv("BRINDEX_E2E_SAML") : "";
 std::string hote(const std::string& url) {
     return url.substr(url.find("//") + 2);
 }
@@ -31,9 +25,8 @@ std::string barre(const std::string& url) {
 
 // The administrator lists a sign-in site for the machine.
 void administrer(const std::string& origine) {
-    const auto dossier = std::filesystem::path(variable("BRINDEX_E2E_PROFIL")) / "xdg";
-    std::filesystem::create_directories(dossier / "brindex");
-    std::ofstream(dossier / "brindex/brindex.conf") << "[brindex]\noriginesConnexion=" << origine;
+    const std::string dossier = variable("BRINDEX_E2E_PROFIL") + "/xdg";
+    gtk::ReglagesGtk(dossier + "/brindex/brindex.conf").ecrire("originesConnexion", origine);
     g_setenv("XDG_CONFIG_DIRS", dossier.c_str(), TRUE);
 }
 
@@ -46,10 +39,9 @@ void connexionSaml(ApplicationGtk& app) {
                  !chercherPartout(app, "bouton-0"),
              "la barre et le titre, sans question");
     // A click elsewhere goes to the browser; a script sending the page elsewhere is refused.
-    script(
-        vue,
-        "document.body.insertAdjacentHTML('afterbegin', '<a id=ailleurs href=https://"
-        "www.brindex.example/aide style=position:fixed;bottom:0;z-index:9;padding:30px>x</a>'); 0");
+    script(vue,
+           "document.body.insertAdjacentHTML('afterbegin', '<a id=ailleurs style=position:"
+           "fixed;bottom:0;z-index:9;padding:30px href=https://www.brindex.example/aide>x</a>')");
     cliquerDans(vue, "#ailleurs");
     attendreOuvert([](const std::string& o) { return o == "https://www.brindex.example/aide"; },
                    "le lien remis au navigateur");
@@ -89,17 +81,14 @@ void connexionQuestion(ApplicationGtk& app) {
     verifier(gtk::ReglagesGtk::parDefaut().lire("connexionsApprouvees") == oidc, "approuvé");
 }
 
-// After a restart, a round trip with no question, and no form thanks to the provider's session.
+// After a restart: no question, and no form thanks to the provider's own session.
 void connexionRelance(ApplicationGtk& app) {
     attendreJournal("navigation OK " + espace() + "oidc/", 2);
     const std::string lancement = journal().substr(journal().rfind("demarrage"));
-    verifier(
-        !contient(lancement, "/interaction/") && !chercherPartout(app, "bouton-0") &&
-            std::ranges::count_if(
-                requetes(), [](const std::string& r) { return contient(r, "/oidc/retour"); }) == 2,
-        lancement);
+    verifier(!contient(lancement, "/interaction/") && !chercherPartout(app, "bouton-0"), lancement);
 }
 
+// A sign-in popup; then round trips that never return, ended by time and by the bar.
 void connexionFenetre(ApplicationGtk& app) {
     WebKitWebView* vue = attendreEspace(app);
     script(vue, "location.href = '/oidc/fenetre'; 'ok'");
@@ -117,25 +106,23 @@ void connexionFenetre(ApplicationGtk& app) {
     attendre([&] { return fenetresVisibles(app).size() == 1; }, 20, "fenêtre refermée");
     attendre([&] { return script(vue, "etat.textContent") == "connectée"; }, 20, "réponse reçue");
     attendreJournal("connexion FIN " + hote(oidc));
-}
-
-void connexionExpiree(ApplicationGtk& app) {
-    WebKitWebView* vue = attendreEspace(app);
     app.controleur()->definirBornesConnexion({std::chrono::seconds(3), 30});
-    script(vue, "location.href = '/oidc/'; 'ok'");
+    const auto accueil = [&] {
+        attendre([&] { return webkit_web_view_get_uri(vue) == espace(); }, 20, "accueil");
+    };
+    script(vue, "location.href = '" + oidc + "/'; 0");
     GtkWidget* feuille = alerte(app, 15);
     verifier(texte(chercher(feuille, "titre-alerte")) == "Connexion interrompue" &&
                  contient(texte(chercher(feuille, "texte-alerte")), "a pris trop de temps") &&
                  contient(journal(), "connexion EXPIREE " + hote(oidc)),
              journal());
     cliquer(chercher(feuille, "bouton-0"));
-    attendreJournal("navigation OK " + espace(), 2);
-    // The bar's "Annuler" ends a round trip and goes home.
-    script(vue, "location.href = '/oidc/'; 'ok'");
+    accueil();
+    script(vue, "location.href = '" + oidc + "/'; 0");
     patienter(1);  // the bar laid out
     cliquerWidget(exiger(app, "annuler-connexion"));
     attendreJournal("connexion ANNULEE " + hote(oidc));
-    attendreJournal("navigation OK " + espace(), 3);
+    accueil();
 }
 
 // A space behind HTTP Basic: the native dialog, no time-out while it waits, a retry that says
@@ -145,12 +132,10 @@ void authentification(ApplicationGtk& app) {
     attendreJournal("navigation OK " + espace() + "basic/");
     app.controleur()->webView()->charger(espace() + "basic/", 2.0);
     GtkWidget* dialogue = alerte(app);
-    const std::string port = espace().substr(espace().rfind(':') + 1);  // "port/"
     verifier(
         texte(chercher(dialogue, "titre-alerte")) == "Identification requise" &&
-            texte(chercher(dialogue, "texte-alerte")) ==
-                "Le serveur 127.0.0.1:" + port.substr(0, port.size() - 1) +
-                    " demande votre identifiant et votre mot de passe pour « Espace Brindex ».",
+            contient(texte(chercher(dialogue, "texte-alerte")),
+                     " demande votre identifiant et votre mot de passe pour « Espace Brindex »"),
         texte(chercher(dialogue, "texte-alerte")));
     patienter(3);
     verifier(!contient(journal(), "-1001") && chercherPartout(app, "bouton-0"),
@@ -162,24 +147,20 @@ void authentification(ApplicationGtk& app) {
     touches(GTK_WINDOW(dialogue), "ctrl+a BackSpace a n n e Tab s e c r e t Return");
     WebKitWebView* vue = vueWebPrincipale(app);
     attendre([&] { return script(vue, "document.title") == "Connectée"; }, 20, "connectée");
+    const std::string ailleurs = "http://localhost:" + espace().substr(espace().rfind(':') + 1);
     script(vue,
-           "document.body.append(Object.assign(document.createElement('iframe'), {src: "
-           "'http://localhost:" +
-               port + "basic/'})); 0");
+           "document.body.insertAdjacentHTML('beforeend', '<iframe src=" + ailleurs + "basic/>')");
     attendreJournal("authentification REFUSEE localhost");
 }
 
 void reseau(bool present) {
-    for (const char* masque : {"0.0.0.0/0", "::/0"}) {
-        GInetAddressMask* m = g_inet_address_mask_new_from_string(masque, nullptr);
-        (present ? g_network_monitor_base_add_network : g_network_monitor_base_remove_network)(
-            g_network_monitor_get_default(), m);
-        g_object_unref(m);
-    }
+    GInetAddressMask* routes[] = {g_inet_address_mask_new_from_string("0.0.0.0/0", nullptr),
+                                  g_inet_address_mask_new_from_string("::/0", nullptr)};
+    g_network_monitor_base_set_networks(g_network_monitor_get_default(), routes, present ? 2 : 0);
+    for (GInetAddressMask* route : routes) g_object_unref(route);
 }
 
-// The space unreachable, then listening while the network is down: only the network's return
-// brings the space, once.
+// The space unreachable, then listening while the network is down: its return brings it, once.
 void reseauRetabli(ApplicationGtk& app) {
     exiger(app, "explication");
     reseau(false);
@@ -197,7 +178,6 @@ const Enregistrement inscrits[] = {
     {"connexion-question",
      {[] { stockerAdresse(espace() + "oidc/"); }, connexionQuestion, connexionRelance}},
     {"connexion-fenetre", {[] { administrer(oidc), espaceStocke(); }, connexionFenetre}},
-    {"connexion-expiree", {[] { administrer(oidc), espaceStocke(); }, connexionExpiree}},
     {"authentification", {[] { stockerAdresse(espace() + "basic/"); }, authentification}},
     {"reseau-retabli",
      {[] {

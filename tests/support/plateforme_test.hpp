@@ -3,7 +3,6 @@
 // An in-memory platform that records what the core asks of it and lets a test play the web
 // engine and the user.
 
-#include <algorithm>
 #include <cctype>
 #include <deque>
 #include <filesystem>
@@ -238,16 +237,13 @@ struct PlateformeTest : Plateforme, Temoin {
     }
     std::chrono::steady_clock::time_point maintenant() const override { return horloge; }
     void plusTard(std::chrono::milliseconds d, std::function<void()> a) override {
-        differes.emplace_back(horloge + d, std::move(a));
+        differes.emplace(horloge + d, std::move(a));
     }
-    // Moves the clock on and runs what has come due, oldest first.
+    // The clock moved on: what has come due runs, in order.
     void avancer(std::chrono::milliseconds d) {
-        horloge += d;
-        const auto du = [&](const auto& e) { return e.first <= horloge; };
-        for (auto e = std::ranges::find_if(differes, du); e != differes.end();
-             e = std::ranges::find_if(differes, du)) {
-            auto action = std::move(e->second);
-            differes.erase(e);
+        for (horloge += d; !differes.empty() && differes.begin()->first <= horloge;) {
+            auto action = std::move(differes.begin()->second);
+            differes.erase(differes.begin());
             action();
         }
     }
@@ -275,7 +271,7 @@ struct PlateformeTest : Plateforme, Temoin {
     std::string personnel = "/maison";
     std::vector<std::string> suffixesTemporaires;
     std::chrono::steady_clock::time_point horloge{std::chrono::hours(1)};
-    std::vector<std::pair<std::chrono::steady_clock::time_point, std::function<void()>>> differes;
+    std::multimap<std::chrono::steady_clock::time_point, std::function<void()>> differes;
     Administration admin;
 };
 
