@@ -1,5 +1,7 @@
 #import "platform/cocoa/plateforme_cocoa.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 
 #include "platform/cocoa/outils_cocoa.h"
@@ -142,11 +144,47 @@ Pression pressionDepuis(NSEvent *evenement) {
     return pression;
 }
 
+// Network's path monitor, opened when the platform starts instead of linked: the application
+// links AppKit, WebKit and Foundation only, and the SDK stubs its cross-built link binds against
+// give Network none of its nw_* functions (they live in libnetwork, which Network re-exports).
+// Without it, the network coming back goes unnoticed and "Réessayer" is left to the user.
+struct MoniteurChemins {
+    decltype(&nw_path_monitor_create) creer = nullptr;
+    decltype(&nw_path_monitor_set_queue) file = nullptr;
+    decltype(&nw_path_monitor_set_update_handler) suivre = nullptr;
+    decltype(&nw_path_monitor_start) demarrer = nullptr;
+    decltype(&nw_path_monitor_cancel) annuler = nullptr;
+    decltype(&nw_path_get_status) etat = nullptr;
+};
+
+const MoniteurChemins *moniteurChemins() {
+    static const MoniteurChemins fonctions = [] {
+        MoniteurChemins f;
+        void *reseau =
+            dlopen("/System/Library/Frameworks/Network.framework/Network", RTLD_LAZY | RTLD_LOCAL);
+        if (!reseau) return f;
+        const auto lier = [reseau](auto &fonction, const char *nom) {
+            fonction =
+                reinterpret_cast<std::remove_reference_t<decltype(fonction)>>(dlsym(reseau, nom));
+        };
+        lier(f.creer, "nw_path_monitor_create");
+        lier(f.file, "nw_path_monitor_set_queue");
+        lier(f.suivre, "nw_path_monitor_set_update_handler");
+        lier(f.demarrer, "nw_path_monitor_start");
+        lier(f.annuler, "nw_path_monitor_cancel");
+        lier(f.etat, "nw_path_get_status");
+        return f;
+    }();
+    const bool complet = fonctions.creer && fonctions.file && fonctions.suivre &&
+                         fonctions.demarrer && fonctions.annuler && fonctions.etat;
+    return complet ? &fonctions : nullptr;
+}
+
 }  // namespace
 
 PlateformeCocoa::~PlateformeCocoa() {
     if (moniteur_) [NSEvent removeMonitor:moniteur_];
-    if (chemins_) nw_path_monitor_cancel(chemins_);
+    if (chemins_) moniteurChemins()->annuler(chemins_);
     if (reveil_) [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:reveil_];
 }
 
@@ -193,13 +231,15 @@ void PlateformeCocoa::definirControleur(std::weak_ptr<Controleur> controleur) {
                                               }];
     // The network back (every path that becomes usable) and the machine awake: the space is
     // tried again if it was unreachable.
-    chemins_ = nw_path_monitor_create();
-    nw_path_monitor_set_queue(chemins_, dispatch_get_main_queue());
-    nw_path_monitor_set_update_handler(chemins_, ^(nw_path_t chemin) {
-        if (nw_path_get_status(chemin) != nw_path_status_satisfied) return;
-        if (const auto c = controleur.lock()) c->reprise(Controleur::Reprise::reseau);
-    });
-    nw_path_monitor_start(chemins_);
+    if (const MoniteurChemins *reseau = moniteurChemins()) {
+        chemins_ = reseau->creer();
+        reseau->file(chemins_, dispatch_get_main_queue());
+        reseau->suivre(chemins_, ^(nw_path_t chemin) {
+            if (reseau->etat(chemin) != nw_path_status_satisfied) return;
+            if (const auto c = controleur.lock()) c->reprise(Controleur::Reprise::reseau);
+        });
+        reseau->demarrer(chemins_);
+    }
     reveil_ = [NSWorkspace.sharedWorkspace.notificationCenter
         addObserverForName:NSWorkspaceDidWakeNotification
                     object:nil
