@@ -124,6 +124,11 @@ void Controleur::ouvrirEspace(const Url& url) {
     fermerFenetresSecondaires();
     detruireWebView();
     principaleADejaCharge_ = false;
+    erreurReseau_ = false;
+    refuses_.clear();
+    sites_ = lireSitesConnexion(
+        plateforme_.administration(),
+        plateforme_.reglages().lire(std::string(CleEspace::connexionsApprouvees)));
     // The engine keeps an image of each page left, for the swipe back to show, and on Linux it
     // keeps them in memory up to 400 MB: only worth it where the user can swipe.
     webView_ = plateforme_.creerVueWeb(ParametresVueWeb{true, plateforme_.balayagePossible(), true,
@@ -139,6 +144,7 @@ void Controleur::ouvrirEspace(const Url& url) {
 void Controleur::montrerConfiguration() {
     fermerFenetresSecondaires();
     detruireWebView();
+    erreurReseau_ = false;
     const auto actuelle = adresseEspace();
     Plateforme& plateforme = plateforme_;
     auto vue = VueConfiguration::creer(
@@ -159,10 +165,11 @@ void Controleur::montrerConfiguration() {
     vue->detecterAdresseParDefaut();
 }
 
-void Controleur::montrerErreur(const std::string& detail) {
+void Controleur::montrerErreur(const std::string& detail, std::string_view titre) {
     detruireWebView();
-    auto vue =
-        std::make_shared<VueErreur>(extrait(detail, caracteresDialogueMax, lignesDialogueMax));
+    erreurReseau_ = false;
+    auto vue = std::make_shared<VueErreur>(
+        extrait(detail, caracteresDialogueMax, lignesDialogueMax), std::string(titre));
     std::weak_ptr<Controleur> faible = weak_from_this();
     vue->onReessayer = [faible] {
         if (const auto c = faible.lock()) {
@@ -199,7 +206,8 @@ void Controleur::fenetrePrincipaleVaFermer() {
 }
 
 void Controleur::titreChange(VueWeb& vue) {
-    if (&vue != webView_.get()) return;
+    // A round trip's title stays until it ends.
+    if (&vue != webView_.get() || trajets_.count(&vue)) return;
     fenetre_->definirTitre(titreFenetre(vue.titre()));
 }
 
@@ -217,6 +225,9 @@ FenetreSecondaire* Controleur::secondaireDe(const VueWeb& vue) const {
 }
 
 void Controleur::oublierVue(const VueWeb& vue) {
+    quitterConnexion(vue, "FIN");
+    std::erase(questions_, &vue);
+    std::erase(identifications_, &vue);
     departs_.oublier(vue);
     originesWebView_.erase(&vue);
     finsProcessus_.erase(&vue);
@@ -267,8 +278,12 @@ void Controleur::detourner(const Detournement& detournement) {
 }
 
 Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action) {
-    auto decision = brindex::deciderAction(action, origineDe(vue),
-                                           actionUtilisateurDisponible(action.gesteUtilisateur));
+    const bool parUtilisateur = actionUtilisateurDisponible(action.gesteUtilisateur);
+    if (const auto connexion =
+            deciderConnexion(vue, action, parUtilisateur, demandeDeConnexion(action))) {
+        return *connexion;
+    }
+    auto decision = brindex::deciderAction(action, origineDe(vue), parUtilisateur);
     if (decision.lienApplication && lienApplication(vue, *decision.lienApplication)) {
         decision.effet = {};
     }
@@ -276,31 +291,44 @@ Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action)
     if (decision.siCadrePrincipal && action.url) {
         auto& attentes = attentes_[&vue];
         if (attentes.size() == attentesParVue) attentes.erase(attentes.begin());
-        attentes.push_back({sansFragment(*action.url), *decision.siCadrePrincipal});
+        attentes.push_back({sansFragment(*action.url), *decision.siCadrePrincipal, action,
+                            parUtilisateur, demandeDeConnexion(action)});
     }
     return decision.politique;
 }
 
-std::optional<Detournement> Controleur::attenteDe(const VueWeb& vue,
-                                                  const std::optional<std::string>& url,
-                                                  bool cadrePrincipal) {
+std::optional<Controleur::Attente> Controleur::attenteDe(const VueWeb& vue,
+                                                         const std::optional<std::string>& url,
+                                                         bool cadrePrincipal) {
     const auto attentes = attentes_.find(&vue);
     if (attentes == attentes_.end() || !url) return std::nullopt;
     auto& liste = attentes->second;
     const auto attente = std::find_if(
         liste.begin(), liste.end(), [&](const Attente& a) { return a.url == sansFragment(*url); });
     if (attente == liste.end()) return std::nullopt;
-    const Detournement detournement = attente->detournement;
+    Attente trouvee = std::move(*attente);
     liste.erase(attente);
     if (!cadrePrincipal) return std::nullopt;
-    return detournement;
+    trouvee.action.cible = CadreCible::principal;
+    // The redirects that led here on the same site get no answer of their own: a sign-in
+    // request among them makes this one too.
+    const auto origine = Origine::depuis(trouvee.url);
+    trouvee.demandeConnexion =
+        trouvee.demandeConnexion || std::any_of(liste.begin(), liste.end(), [&](const Attente& a) {
+            return a.demandeConnexion && origine && Origine::depuis(a.url) == origine;
+        });
+    return trouvee;
 }
 
 Politique Controleur::deciderReponse(VueWeb& vue, const ReponseNavigation& reponse) {
     // A navigation allowed as if for a sub-frame turns out to fill the main frame: it is held
     // to the view's origin after all.
-    if (const auto detournement = attenteDe(vue, reponse.url, reponse.cadrePrincipal)) {
-        detourner(*detournement);
+    if (const auto attente = attenteDe(vue, reponse.url, reponse.cadrePrincipal)) {
+        if (const auto connexion = deciderConnexion(vue, attente->action, attente->parUtilisateur,
+                                                    attente->demandeConnexion)) {
+            return *connexion;
+        }
+        detourner(attente->detournement);
         return Politique::annuler;
     }
     if (const auto refus = reponseRefusee(reponse)) {
@@ -314,16 +342,25 @@ Politique Controleur::deciderReponse(VueWeb& vue, const ReponseNavigation& repon
 
 void Controleur::chargementTermine(VueWeb& vue) {
     if (webView_ && &vue == webView_.get()) principaleADejaCharge_ = true;
-    Journal::ecrire(ligneSucces(vue.url()));
+    Journal::ecrire(ligneSucces(adresseJournal(vue)));
+    finirConnexionSiEspace(vue);
     if (const auto place = placeDe(vue)) place->recherche->pageChargee(vue.url());
 }
 
 void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
     // A navigation allowed as if for a sub-frame failed in the main frame: it was never the
     // view's to load, and does what a navigation elsewhere does.
-    if (const auto detournement = attenteDe(vue, erreur.url, true)) {
-        detourner(*detournement);
-        return;
+    // (A sign-in site's page that fails is the view's own failure.)
+    if (const auto attente = attenteDe(vue, erreur.url, true)) {
+        const auto site = Origine::depuis(attente->url);
+        if (!site || !sites_.contient(*site)) {
+            // During a round trip, refused as the trip refuses; otherwise as ever.
+            if (!trajets_.count(&vue) ||
+                !deciderConnexion(vue, attente->action, attente->parUtilisateur, false)) {
+                detourner(attente->detournement);
+            }
+            return;
+        }
     }
     if (echecIgnore(erreur)) return;
     Journal::ecrire(ligneEchec(erreur));
@@ -332,6 +369,7 @@ void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
         // Before the first finished load the space itself is unreachable.
         if (!principaleADejaCharge_) {
             montrerErreur(detail);
+            erreurReseau_ = echecReseau(erreur);
         } else {
             fenetre_->feuille(alerteSimple("Page inaccessible", detail));
         }
@@ -345,7 +383,7 @@ void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
 void Controleur::processusTermine(VueWeb& vue, FinProcessus fin) {
     Journal::ecrire(std::string("processus web ECHEC ") +
                     (fin == FinProcessus::plantage ? "plantage " : "memoire ") +
-                    vue.url().value_or("?"));
+                    adresseJournal(vue).value_or("?"));
     const bool principale = webView_ && &vue == webView_.get();
     FenetreSecondaire* secondaire = principale ? nullptr : secondaireDe(vue);
     // A view no longer shown has nothing to come back to, and leaves nothing behind.
@@ -407,13 +445,18 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
                                                         std::optional<bool> geste,
                                                         const ConfigurationMoteur& configuration) {
     const auto origineOuvreur = origineDe(ouvreur);
-    const auto decision = deciderFenetre(origineOuvreur, url, actionUtilisateurDisponible(geste));
+    auto decision = deciderFenetre(origineOuvreur, url, actionUtilisateurDisponible(geste));
+    // A sign-in site opens in a window of its own, in a round trip, rather than in the browser.
+    const auto site = url ? Origine::depuis(*url) : std::nullopt;
+    const bool connexion =
+        decision.choix == DecisionFenetre::Choix::navigateur && site && sites_.contient(*site);
+    if (connexion) decision = {DecisionFenetre::Choix::ouvrir, std::nullopt, false};
     if (decision.refusee) {
         // A page may ask thousands of times after one click: the log notes a few.
         ++fenetresRefusees_;
         if (fenetresRefusees_ <= fenetresRefuseesNotees) {
             Journal::ecrire("nouvelle fenetre REFUSEE vers " +
-                            (url && !url->empty() ? *url : std::string("about:blank")));
+                            Journal::adresse(url && !url->empty() ? *url : "about:blank"));
         } else if (fenetresRefusees_ == fenetresRefuseesNotees + 1) {
             Journal::ecrire("nouvelle fenetre REFUSEE, les suivantes ne sont plus notees");
         }
@@ -455,6 +498,7 @@ std::shared_ptr<VueWeb> Controleur::creerVueWebDemandee(VueWeb& ouvreur,
                     liste.end());
     };
     fenetresSecondaires_.push_back(std::move(secondaire));
+    if (connexion) entrerConnexion(*vue, *site, false);
     return vue;
 }
 
@@ -489,7 +533,7 @@ void Controleur::rechargerOrigine() {
 }
 
 void Controleur::pagePrecedente() {
-    if (const auto vue = webViewActive()) vue->reculer();
+    if (const auto vue = webViewActive()) reculerVersEspace(*vue);
 }
 
 void Controleur::pageSuivante() {
@@ -874,7 +918,10 @@ std::vector<std::pair<const char*, std::size_t>> Controleur::tailles() const {
             {"telechargements", telechargements_.size()},
             {"impressions", impressions_.size()},
             {"questionsDepart", departs_.tailles().first},
-            {"questionsOuvertes", departs_.tailles().second}};
+            {"questionsOuvertes", departs_.tailles().second},
+            {"trajets", trajets_.size()},
+            {"questionsConnexion", questions_.size()},
+            {"identifications", identifications_.size()}};
 }
 
 std::optional<std::string> Controleur::destinationDe(const Telechargement& telechargement) const {

@@ -13,6 +13,7 @@
 #include "address/origine.hpp"
 #include "address/url.hpp"
 #include "container/commandes.hpp"
+#include "container/connexion.hpp"
 #include "container/depart.hpp"
 #include "container/impression.hpp"
 #include "container/politique.hpp"
@@ -71,7 +72,7 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     void demarrer();
     void ouvrirEspace(const Url& url);
     void montrerConfiguration();
-    void montrerErreur(const std::string& detail);
+    void montrerErreur(const std::string& detail, std::string_view titre = "Espace injoignable");
     void detruireWebView();
     // The web view that page commands act on: a key secondary window's, else the main one.
     std::shared_ptr<VueWeb> webViewActive() const;
@@ -164,6 +165,17 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     void telechargementTermine(Telechargement& telechargement);
     void telechargementEchoue(Telechargement& telechargement, const std::string& description);
 
+    // ---- Signing in elsewhere ----
+    // A server or a proxy asks who the user is; `reponse` runs once (nothing: go on without).
+    void authentificationDemandee(VueWeb& vue, const DemandeAuthentification& demande,
+                                  std::function<void(std::optional<Identifiants>)> reponse);
+    // The system reports the network back, or the machine awake again.
+    enum class Reprise { reseau, reveil };
+    void reprise(Reprise evenement);
+    void definirBornesConnexion(const BornesConnexion& bornes) { bornes_ = bornes; }
+    // The round trip under way in a view, if any.
+    std::optional<TrajetConnexion> trajetDe(const VueWeb& vue) const;
+
     // ---- State ----
     FenetrePrincipale& fenetre() const { return *fenetre_; }
     const std::shared_ptr<VueWeb>& webView() const { return webView_; }
@@ -208,8 +220,27 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     void detourner(const Detournement& detournement);
     // Takes out the navigation waiting on this address; what to do instead, if it filled the
     // main frame.
-    std::optional<Detournement> attenteDe(const VueWeb& vue, const std::optional<std::string>& url,
-                                          bool cadrePrincipal);
+    struct Attente;
+    std::optional<Attente> attenteDe(const VueWeb& vue, const std::optional<std::string>& url,
+                                     bool cadrePrincipal);
+
+    // Signing in elsewhere (controleur_connexion.cpp). A navigation that fills a view (or asks
+    // for a window): its answer when it is a sign-in matter.
+    std::optional<Politique> deciderConnexion(VueWeb& vue, const ActionNavigation& action,
+                                              bool parUtilisateur, bool demande);
+    void entrerConnexion(VueWeb& vue, const Origine& site, bool navigation);
+    void quitterConnexion(const VueWeb& vue, const char* verdict);
+    void expirerConnexion(const VueWeb* vue, unsigned numero, bool parDuree);
+    Politique demanderConnexion(VueWeb& vue, const Origine& site);
+    void annulerConnexion(const VueWeb* vue);
+    // A page of the space loaded in the view: its round trip is over.
+    void finirConnexionSiEspace(VueWeb& vue);
+    void reculerVersEspace(VueWeb& vue);
+    // The view's address as the log may hold it: whole on the space's own pages outside a round
+    // trip; elsewhere scheme, host, port and path only.
+    std::optional<std::string> adresseJournal(const VueWeb& vue) const;
+    Fenetre* fenetreDe(const VueWeb* vue) const;
+    std::shared_ptr<VueWeb> vuePartagee(const VueWeb* vue) const;
 
     struct EntreeTelechargement {
         std::shared_ptr<Telechargement> telechargement;
@@ -237,8 +268,25 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     struct Attente {
         std::string url;
         Detournement detournement;
+        // Decided again as the main frame's, for sign-in.
+        ActionNavigation action;
+        bool parUtilisateur = false;
+        bool demandeConnexion = false;
     };
     std::map<const VueWeb*, std::vector<Attente>> attentes_;
+
+    // Sign-in sites of the space shown, round trips under way, views waiting for the user's
+    // answer to a question or an identification, and whether the error view shows a failure of
+    // the network (then tried again when the network comes back).
+    SitesConnexion sites_;
+    BornesConnexion bornes_;
+    std::map<const VueWeb*, TrajetConnexion> trajets_;
+    unsigned numeroTrajet_ = 0;
+    std::vector<const VueWeb*> questions_;
+    // Sites the user turned down since the space was opened: not asked about again until then.
+    std::vector<Origine> refuses_;
+    std::vector<const VueWeb*> identifications_;
+    bool erreurReseau_ = false;
     Departs departs_;
     // Every page agreed to be left: the main window may close, and the application end.
     bool fermetureAccordee_ = false;

@@ -7,6 +7,22 @@ bool echecIgnore(const ErreurChargement& erreur) {
            (erreur.domaine == domaineWebKit && erreur.code == 102);
 }
 
+bool echecReseau(const ErreurChargement& erreur) {
+    if (erreur.domaine != domaineUrl) return false;
+    switch (erreur.code) {
+        case -1001:  // timed out
+        case -1003:  // host not found: no name server answers while offline
+        case -1004:  // can't connect
+        case -1005:  // connection lost
+        case -1009:  // not connected
+        case -1018:  // roaming off
+        case -1020:  // data not allowed
+            return true;
+        default:
+            return false;
+    }
+}
+
 std::string ligneEchec(const ErreurChargement& erreur) {
     return "navigation ECHEC " + erreur.domaine + "/" + std::to_string(erreur.code) + " " +
            erreur.description;

@@ -11,6 +11,10 @@ namespace brindex {
 // A cancelled load and a load interrupted by a policy decision are not failures for the user.
 bool echecIgnore(const ErreurChargement& erreur);
 
+// The network is down, or the server can't be reached: worth trying again once the network
+// comes back.
+bool echecReseau(const ErreurChargement& erreur);
+
 // "navigation ECHEC domain/code description".
 std::string ligneEchec(const ErreurChargement& erreur);
 

@@ -1,6 +1,7 @@
 #include "container/politique.hpp"
 
 #include "address/url.hpp"
+#include "log/journal.hpp"
 
 namespace brindex {
 
@@ -46,7 +47,7 @@ DecisionAction deciderAction(const ActionNavigation& action,
         if (lienClique) {
             decision.effet.urlAOuvrir = *action.url;
         } else if (action.type == TypeNavigation::lienActive) {
-            decision.effet.ligneJournal = ligneExterneRefusee + *action.url;
+            decision.effet.ligneJournal = ligneExterneRefusee + Journal::adresse(*action.url);
         }
         return decision;
     }

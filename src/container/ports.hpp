@@ -22,7 +22,8 @@ namespace brindex {
 
 // ---- Values from the engine ----
 
-enum class TypeNavigation { lienActive, autre };
+// `formulaire`: a form was submitted (by the user or by a script).
+enum class TypeNavigation { lienActive, formulaire, autre };
 // The frame a navigation targets; `aucun` is a request for a new window; `inconnu`: the engine
 // doesn't say whether the main frame or a sub-frame navigates (it tells only once a response
 // arrives, see ReponseNavigation::cadrePrincipal).
@@ -48,7 +49,9 @@ struct ReponseNavigation {
     bool cadrePrincipal = true;
 };
 
-enum class Politique { annuler, autoriser, telecharger };
+// `differer`: no answer yet; the controller gives it later through VueWeb::trancher, and no
+// time-out of the load runs meanwhile.
+enum class Politique { annuler, autoriser, telecharger, differer };
 
 // Why a web view's content process ended without being asked to.
 enum class FinProcessus { plantage, memoire };
@@ -75,6 +78,38 @@ struct ErreurChargement {
 };
 inline constexpr std::string_view domaineUrl = "NSURLErrorDomain";
 inline constexpr std::string_view domaineWebKit = "WebKitErrorDomain";
+
+// A server (or a proxy) asks who the user is (HTTP Basic, Digest, NTLM, Negotiate).
+struct DemandeAuthentification {
+    std::string scheme;  // of the protected server: "http" or "https"
+    std::string hote;
+    std::int64_t port = 0;
+    std::string royaume;  // the server's own words
+    bool proxy = false;
+    // The previous attempt was refused.
+    bool nouvelEssai = false;
+    // The engine can keep the credential in the system's store.
+    bool peutMemoriser = false;
+    // What the system's store holds for it.
+    std::optional<std::string> identifiantPropose = std::nullopt;
+    bool motDePassePropose = false;
+};
+
+// The answer: nothing goes on without credentials (the server's own refusal shows).
+struct Identifiants {
+    std::string identifiant;
+    std::string motDePasse;
+    // Kept in the system's store, rather than for this session only.
+    bool memoriser = false;
+    // What the engine proposed, used as it is.
+    bool propose = false;
+};
+
+// What an administrator set for every user of the machine.
+struct Administration {
+    std::vector<std::string> originesConnexion;
+    std::optional<bool> questionConnexion;
+};
 
 // ---- Dialogs ----
 
@@ -156,6 +191,11 @@ class VueWeb {
     // Ends the engine's process behind the view, which the engine may otherwise keep, with all
     // its memory, long after the view is gone. Where the engine offers no way, nothing.
     virtual void terminerProcessus() {}
+    // Answers the navigation left waiting (Politique::differer); one at a time per view.
+    virtual void trancher(Politique politique) = 0;
+    // The addresses of the back list, most recent first, at most `maximum` of them.
+    virtual std::vector<std::string> historiqueArriere(std::size_t maximum) const = 0;
+    virtual void reculerDe(std::size_t pas) = 0;
     // Asks the page to close politely: the engine runs its before-unload handlers (which may ask
     // Controleur::confirmationDepart) and reports to Controleur::fermetureDemandee if it agrees,
     // possibly before this returns.
@@ -223,6 +263,9 @@ class Fenetre {
     // runs once when it closes.
     virtual void feuille(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) = 0;
     void feuille(const Alerte& alerte) { feuille(alerte, nullptr); }
+    // A bar above the page, outside it, with its text and an "Annuler" button; none: hidden.
+    virtual void barreConnexion(const std::optional<std::string>& texte,
+                                std::function<void()> annuler) = 0;
     // The platform draws the window's find bar, hidden, above the page, sends it the user's
     // input and calls `recherche->attacher` with its widgets.
     virtual void attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) = 0;
@@ -284,6 +327,10 @@ class Plateforme {
     virtual std::chrono::steady_clock::time_point maintenant() const {
         return std::chrono::steady_clock::now();
     }
+    // Runs `action` once, on the main thread, after `delai`.
+    virtual void plusTard(std::chrono::milliseconds delai, std::function<void()> action) = 0;
+    // What the machine's administrator set; read at every opening of the space.
+    virtual Administration administration() const { return {}; }
 };
 
 }  // namespace brindex

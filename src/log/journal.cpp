@@ -42,6 +42,16 @@ const std::string& chemin() {
     return cheminJournal();
 }
 
+std::string adresse(std::string_view url) {
+    url = url.substr(0, url.find_first_of("?#"));
+    const auto autorite = url.find("//");
+    if (autorite == std::string_view::npos) return std::string(url);
+    const auto debut = autorite + 2;
+    const auto arobase = url.substr(debut, url.find('/', debut) - debut).rfind('@');
+    if (arobase == std::string_view::npos) return std::string(url);
+    return std::string(url.substr(0, debut)).append(url.substr(debut + arobase + 1));
+}
+
 std::string horodatage(std::chrono::system_clock::time_point moment) {
     const std::int64_t secondes =
         std::chrono::duration_cast<std::chrono::seconds>(moment.time_since_epoch()).count();

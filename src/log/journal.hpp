@@ -27,6 +27,11 @@ inline constexpr std::size_t longueurMessageMax = 2000;
 // gives the whole length.
 std::string messageSur(std::string_view message);
 
+// A URL as the log may hold it: scheme, host, port and path only. Queries, fragments and user
+// info carry what must never be written down: sign-in codes and states, SAML messages, tokens,
+// passwords. Every line about an address goes through it.
+std::string adresse(std::string_view url);
+
 // UTC ISO 8601 to the second, for instance 2026-03-05T14:07:09Z.
 std::string horodatage(std::chrono::system_clock::time_point moment);
 

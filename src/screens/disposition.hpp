@@ -79,7 +79,8 @@ inline constexpr double decalageVertical = 24;
 
 namespace Erreur {
 inline constexpr Texte signe{"\u26A0\uFE0E", {44, Graisse::legere}, Marque::attenue};
-inline constexpr Texte titre{"Espace injoignable", {22, Graisse::demiGrasse}, Marque::texte};
+// Its text is the view's own ("Espace injoignable" unless it says otherwise).
+inline constexpr Texte titre{"", {22, Graisse::demiGrasse}, Marque::texte};
 inline constexpr Texte explication{"", {13}, Marque::attenue, 1.0, true, 440};
 inline constexpr double sousExplication = 22;
 // Left to right.

@@ -8,9 +8,11 @@ namespace brindex {
 // Fills the main window when the space can't be reached: its explanation and two buttons.
 class VueErreur {
   public:
-    explicit VueErreur(std::string detail) : detail_(std::move(detail)) {}
+    explicit VueErreur(std::string detail, std::string titre = "Espace injoignable")
+        : detail_(std::move(detail)), titre_(std::move(titre)) {}
 
     const std::string& detail() const { return detail_; }
+    const std::string& titre() const { return titre_; }
 
     std::function<void()> onReessayer;
     std::function<void()> onChangerAdresse;
@@ -26,6 +28,7 @@ class VueErreur {
 
   private:
     std::string detail_;
+    std::string titre_;
 };
 
 }  // namespace brindex

@@ -1,16 +1,13 @@
 #!/usr/bin/env python3
 """The demo space, plus the pages and answers a hostile or careless server gives, for the
 end-to-end tests: an "unsaved changes" page, script clicks, popup floods, same-name and
-badly named attachments, endless health answers, reason phrases full of control bytes.
+badly named attachments, endless health answers, reason phrases full of control bytes; sign-ins
+through the providers at $BRINDEX_E2E_OIDC (PKCE) and $BRINDEX_E2E_SAML, Basic (anne/secret).
 
     espace_hostile.py [--port N] [--journal FILE] [--lent SECONDES]
 """
-import os
-import signal
-import sys
-import threading
-import time
-from urllib.parse import parse_qs, quote, urlsplit
+import base64, hashlib, json, os, secrets, signal, sys, threading, time, urllib.request, zlib
+from urllib.parse import parse_qs, quote, urlencode, urlsplit
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..",
                                 "scripts"))
@@ -66,11 +63,78 @@ CADRE = """<!doctype html><html><body style="margin:0"><a id="lien" %s
 <script>parent.postMessage(location.href, "*");</script></body></html>"""
 
 
+OIDC, SAML, VERIFICATEURS = os.environ.get("BRINDEX_E2E_OIDC"), os.environ.get("BRINDEX_E2E_SAML"), {}
+CONNECTE = page("Connectée", "<section><p id='connecte'>Vous êtes connectée.</p></section>")
+FENETRE_CONNEXION = page("Connexion par fenêtre", """<button id="connexion" onclick="window.open('%s')">
+Se connecter</button><output id="etat"></output><script>addEventListener("message", async e => etat
+.textContent = (await fetch("/oidc/echange?" + new URLSearchParams(e.data.response))).ok ? "connectée" : "");
+</script>""")
+
+
 class EspaceHostile(espace_demo.Espace):
+    def racine(self):
+        return "http://127.0.0.1:%d" % self.server.server_address[1]
+
+    def autorisation(self, **plus):
+        etat, verificateur = secrets.token_urlsafe(12), secrets.token_urlsafe(48)
+        VERIFICATEURS[etat] = verificateur
+        defi = base64.urlsafe_b64encode(hashlib.sha256(verificateur.encode()).digest())
+        return OIDC + "/auth?" + urlencode(dict(
+            client_id="brindex", response_type="code", scope="openid", state=etat,
+            redirect_uri=self.racine() + "/oidc/retour", code_challenge=defi,
+            code_challenge_method="S256", **plus)).replace("%3D", "")
+
+    def echange(self, p):
+        corps = urlencode(dict(grant_type="authorization_code", code=p.get("code", ""),
+                               redirect_uri=self.racine() + "/oidc/retour", client_id="brindex",
+                               code_verifier=VERIFICATEURS.pop(p.get("state"), ""))).encode()
+        try:  # straight to the provider, whatever the environment's proxy
+            return "id_token" in json.load(urllib.request.build_opener(urllib.request.ProxyHandler(
+                {})).open(OIDC + "/token", corps, timeout=5))
+        except OSError:
+            return False
+
+    def connexion(self, ok, cookie, suite):
+        self.repondre(303 if ok else 403, CONNECTE, entetes=[("Location", suite)] + (
+            [("Set-Cookie", cookie + "=1; Path=/")] if ok else []))
+
+    def demande_saml(self):
+        xml = ('<samlp:AuthnRequest xmlns:samlp="urn:oasis:names:tc:SAML:2.0:protocol" ID="_%s" '
+               'Version="2.0" AssertionConsumerServiceURL="%s/saml/acs"><saml:Issuer xmlns:saml='
+               '"urn:oasis:names:tc:SAML:2.0:assertion">%s/</saml:Issuer></samlp:AuthnRequest>'
+               ) % (secrets.token_hex(8), self.racine(), self.racine())
+        deflate = zlib.compressobj(wbits=-15)
+        requete = base64.b64encode(deflate.compress(xml.encode()) + deflate.flush())
+        return SAML + "/saml/sso?" + urlencode({"SAMLRequest": requete, "RelayState": "/saml/"})
+
+    def do_POST(self):
+        corps = self.rfile.read(min(int(self.headers.get("Content-Length", 0)), 1 << 20))
+        reponse = parse_qs(corps.decode()).get("SAMLResponse", [""])[0]
+        self.connexion(self.path == "/saml/acs" and b"status:Success" in base64.b64decode(
+            reponse + "=="), "saml", "/saml/")
+
     def do_GET(self):
         adresse = urlsplit(self.path)
         parametres = {k: v[0] for k, v in parse_qs(adresse.query).items()}
-        if adresse.path in ("/hostile/quitter", "/hostile/export"):
+        cookies = self.headers.get("Cookie") or ""
+        protegees = {"/oidc/": ("oidc=1", self.autorisation), "/saml/": ("saml=1", self.demande_saml)}
+        if adresse.path in protegees:
+            self.noter()
+            cookie, destination = protegees[adresse.path]
+            ok = cookie in cookies
+            self.repondre(200 if ok else 302, CONNECTE, entetes=[] if ok else [
+                ("Location", destination())])
+        elif adresse.path in ("/oidc/retour", "/oidc/echange"):
+            self.noter()
+            self.connexion(self.echange(parametres), "oidc", "/oidc/")
+        elif adresse.path == "/oidc/fenetre":
+            self.repondre(200, FENETRE_CONNEXION % self.autorisation(response_mode="web_message"))
+        elif adresse.path == "/basic/":
+            self.noter()
+            ok = self.headers.get("Authorization") == "Basic YW5uZTpzZWNyZXQ="  # anne:secret
+            self.repondre(200 if ok else 401, CONNECTE if ok else page("Refusé", ""), entetes=[]
+                          if ok else [("WWW-Authenticate", 'Basic realm="Espace Brindex"')])
+        elif adresse.path in ("/hostile/quitter", "/hostile/export"):
             # The draft sets a cookie for a year, beside the pages' session cookie.
             self.noter()
             brouillon = "quitter" in adresse.path

@@ -189,9 +189,9 @@ inline void cliquerA(GtkWidget* widget, double x, double y) {
 // A real click in the middle of the page's element.
 inline void cliquerDans(WebKitWebView* vue, const std::string& selecteur) {
     const std::string centre = script(
-        vue, "(() => { const r = document.querySelector('" + selecteur +
-                 "').getBoundingClientRect(); return (r.left + r.width / 2) + ' ' + (r.top + "
-                 "r.height / 2); })()");
+        vue, "(() => { const e = document.querySelector('" + selecteur +
+                 "'); e.scrollIntoView({block: 'nearest'}); const r = e.getBoundingClientRect();"
+                 " return (r.left + r.width / 2) + ' ' + (r.top + r.height / 2); })()");
     const auto espace = centre.find(' ');
     // The page's pixels are the view's, zoomed.
     const double zoom = webkit_web_view_get_zoom_level(vue);

@@ -3,8 +3,8 @@
 
 The profile has its own HOME and XDG folders, a Downloads folder, and default handlers for
 web, mail and folder URIs that only record what they were given (so no browser starts). The
-test space is started on a free port; the scenario binary then runs under Xvfb with a private
-session bus, and finds everything it needs in BRINDEX_E2E_* variables.
+test space runs on a free port (with identity providers on 127.0.0.2 for "connexion" scenarios);
+the scenario binary runs under Xvfb with a private session bus, told all in BRINDEX_E2E_* variables.
 """
 import os
 import random
@@ -57,21 +57,42 @@ def preparer_profil(profil):
     return dossiers, telechargements, ouverts
 
 
+def port_libre(hote="127.0.0.1"):
+    return socket.create_server((hote, 0)).getsockname()[1]
+
+
+def fournisseurs(profil, espace, oidc, saml):  # saml-idp's key and certificate made for the run
+    cle, certificat = os.path.join(profil, "idp.key"), os.path.join(profil, "idp.pem")
+    subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", "/CN=IdP",
+                    "-keyout", cle, "-out", certificat], check=True, capture_output=True)
+    saml_idp = os.path.join(RACINE, "node_modules", "saml-idp", "bin", "run.js")
+    processus = [subprocess.Popen(c, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) for c in (
+        ["node", os.path.join(ICI, "fournisseur_oidc.mjs"), str(oidc), espace + "oidc/retour"],
+        ["node", saml_idp, "--host", "127.0.0.2", "--port", str(saml), "--cert", certificat,
+         "--key", cle, "--acsUrl", espace + "saml/acs", "--audience", espace])]
+    for port in (oidc, saml):
+        limite = time.time() + 20
+        while socket.socket().connect_ex(("127.0.0.2", port)) and time.time() < limite:
+            time.sleep(0.1)
+    return processus
+
+
 def main():
     if len(sys.argv) != 3:
         sys.exit("usage: scenario.py <brindex_e2e binary> <scenario>")
     binaire, scenario = sys.argv[1], sys.argv[2]
     profil = tempfile.mkdtemp(prefix="brindex-e2e-")
-    serveur = appli = None
+    serveur, appli, idp = None, None, []
     try:
         dossiers, telechargements, ouverts = preparer_profil(profil)
         journal_serveur = os.path.join(profil, "requetes.jsonl")
-        with socket.socket() as s:
-            s.bind(("127.0.0.1", 0))
-            port_libre = s.getsockname()[1]
+        libre = port_libre()
+        oidc, saml = port_libre("127.0.0.2"), port_libre("127.0.0.2")
+        urls_idp = {"BRINDEX_E2E_" + n: "http://127.0.0.2:%d" % p for n, p in [("OIDC", oidc), ("SAML", saml)]}
         serveur = subprocess.Popen(
             [sys.executable, SERVEUR, "--port", "0", "--journal", journal_serveur, "--lent", "3",
-             "--second", str(port_libre)], stdout=subprocess.PIPE, text=True)
+             "--second", str(libre)], stdout=subprocess.PIPE, text=True,
+            env=dict(os.environ, **urls_idp))
         # A scenario named after a real wiki gets it, served from a throw-away copy.
         wiki, donnees, adresse = scenario.split("-")[0], os.path.join(profil, "wiki"), ""
         if wiki in ("dokuwiki", "tiddlywiki"):
@@ -81,8 +102,10 @@ def main():
         premiere = serveur.stdout.readline().split()
         if len(premiere) != 2 or premiere[0] != "PORT":
             sys.exit("the test space did not start")
+        if scenario.startswith("connexion"):
+            idp = fournisseurs(profil, "http://127.0.0.1:%s/" % premiere[1], oidc, saml)
         env = dict(os.environ)
-        env.update(dossiers)
+        env.update(dossiers, **urls_idp)
         env.pop("DISPLAY", None)
         env.pop("WAYLAND_DISPLAY", None)
         env.pop("DBUS_SESSION_BUS_ADDRESS", None)
@@ -93,7 +116,7 @@ def main():
             "BRINDEX_E2E_OUVERTS": ouverts,
             "BRINDEX_E2E_TELECHARGEMENTS": telechargements,
             "BRINDEX_E2E_SERVEUR_PID": str(serveur.pid),
-            "BRINDEX_E2E_PORT_LIBRE": str(port_libre),
+            "BRINDEX_E2E_PORT_LIBRE": str(libre),
             "BRINDEX_E2E_WIKI": adresse,
             "GTK_A11Y": "none",
             "NO_AT_BRIDGE": "1",
@@ -108,9 +131,9 @@ def main():
         print("scenario %s: %.1f s" % (scenario, time.time() - debut))
         sys.exit(resultat.returncode)
     finally:
-        for processus in filter(None, (serveur, appli)):
-            processus.terminate()
-            processus.wait()
+        for p in filter(None, [serveur, appli] + idp):
+            p.terminate()
+            p.wait()
         if os.environ.get("BRINDEX_E2E_GARDER"):
             print("profile kept in", profil)
         else:

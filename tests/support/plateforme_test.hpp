@@ -68,6 +68,9 @@ struct VueWebTest : VueWeb {
     bool aUnePageARecharger() const override { return pageCourante; }
     void detacher() override { detachee = true; }
     void terminerProcessus() override { actions.push_back("terminer"); }
+    void trancher(Politique p) override { tranchees.push_back(p); }
+    std::vector<std::string> historiqueArriere(std::size_t) const override { return arriere; }
+    void reculerDe(std::size_t n) override { actions.push_back("reculerDe " + std::to_string(n)); }
     void chercher(const std::string& t, SensRecherche s) override { recherches.emplace_back(t, s); }
     void finirRecherche() override { actions.push_back("finirRecherche"); }
     void focaliser() override { actions.push_back("focaliser"); }
@@ -77,6 +80,8 @@ struct VueWebTest : VueWeb {
     }
 
     bool creeeAvecConfiguration, detachee = false, pageCourante = false;
+    std::vector<Politique> tranchees;
+    std::vector<std::string> arriere;
     std::vector<std::pair<std::string, double>> chargements;
     std::vector<std::string> actions;
     std::vector<std::pair<std::string, SensRecherche>> recherches;
@@ -152,6 +157,9 @@ struct FenetreTest : FenetrePrincipale {
         montrer(Ecran::erreur, "ecran erreur");
         erreur = std::move(vue);
     }
+    void barreConnexion(const std::optional<std::string>& t, std::function<void()>) override {
+        barre_ = t;
+    }
     void progression(double valeur, bool visible) override {
         barre = valeur;
         barreVisible = visible;
@@ -168,6 +176,7 @@ struct FenetreTest : FenetrePrincipale {
     std::function<bool()> retenue;
     std::string titre;
     bool cle = false, fermee = false, barreVisible = false;
+    std::optional<std::string> barre_;
     int passagesDevant = 0;
     double barre = -1;
     Ecran ecran = Ecran::initial;
@@ -230,6 +239,18 @@ struct PlateformeTest : Plateforme, Temoin {
     }
     std::chrono::steady_clock::time_point maintenant() const override { return horloge; }
     bool balayagePossible() const override { return balayage; }
+    void plusTard(std::chrono::milliseconds d, std::function<void()> a) override {
+        differes.emplace(horloge + d, std::move(a));
+    }
+    // The clock moved on: what has come due runs, in order.
+    void avancer(std::chrono::milliseconds d) {
+        for (horloge += d; !differes.empty() && differes.begin()->first <= horloge;) {
+            auto action = std::move(differes.begin()->second);
+            differes.erase(differes.begin());
+            action();
+        }
+    }
+    Administration administration() const override { return admin; }
     // Makes this window the only key one (nullptr: none is key).
     void rendreCle(Fenetre* fenetre) override {
         for (auto& f : principales) f->cle = f.get() == fenetre;
@@ -255,6 +276,8 @@ struct PlateformeTest : Plateforme, Temoin {
     std::string personnel = "/maison";
     std::vector<std::string> suffixesTemporaires;
     std::chrono::steady_clock::time_point horloge{std::chrono::hours(1)};
+    std::multimap<std::chrono::steady_clock::time_point, std::function<void()>> differes;
+    Administration admin;
 };
 
 }  // namespace brindex::test

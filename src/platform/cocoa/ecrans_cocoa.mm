@@ -193,7 +193,7 @@ class ControlesCocoa : public brindex::ControlesConfiguration {
     fondDeMarque(self);
 
     NSTextField *signe = etiquette(E::signe, ns(E::signe.texte));
-    NSTextField *titre = etiquette(E::titre, ns(E::titre.texte));
+    NSTextField *titre = etiquette(E::titre, ns(_vue->titre()));
     NSTextField *explication = etiquette(E::explication, ns(_vue->detail()));
     NSButton *reessayer = bouton(E::reessayer, self, @selector(reessayer:));
     NSButton *changer = bouton(E::changer, self, @selector(changer:));

@@ -16,6 +16,12 @@
 @property(nonatomic) std::function<bool()> retenue;
 @end
 
+// A button's target that runs a callback.
+@interface BrindexCible : NSObject
+@property(nonatomic) std::function<void()> action;
+- (void)agir:(id)sender;
+@end
+
 namespace brindex::cocoa {
 
 // What every window of the application does, over an NSWindow.
@@ -35,6 +41,9 @@ class FenetreCocoa : public Interface {
     void fermer() override;
     using Interface::feuille;
     void feuille(const Alerte &alerte, std::function<void(ReponseAlerte)> reponse) override;
+    // Under the title bar, above whatever the window shows.
+    void barreConnexion(const std::optional<std::string> &texte,
+                        std::function<void()> annuler) override;
     void attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) override;
 
    protected:
@@ -43,6 +52,9 @@ class FenetreCocoa : public Interface {
 
     NSWindow *fenetre_;
     BrindexDelegueFenetre *delegue_;
+    NSTitlebarAccessoryViewController *barreConnexion_ = nil;
+    NSTextField *texteConnexion_ = nil;
+    BrindexCible *annulerConnexion_ = nil;
     BrindexBarreRecherche *barreRecherche_ = nil;
 };
 

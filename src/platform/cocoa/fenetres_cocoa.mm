@@ -19,6 +19,15 @@
 
 @end
 
+@implementation BrindexCible
+
+- (void)agir:(id)sender {
+    // The callback may take this target's bar away: it runs from a copy.
+    if (auto action = self.action) action();
+}
+
+@end
+
 namespace brindex::cocoa {
 
 namespace {
@@ -203,6 +212,36 @@ void FenetreCocoa<Interface>::feuille(const Alerte &alerte,
                                  native->finSurveillance();
                                  if (reponse) reponse(native->reponse(resultat));
                              }];
+}
+
+template <typename Interface>
+void FenetreCocoa<Interface>::barreConnexion(const std::optional<std::string> &texte,
+                                             std::function<void()> annuler) {
+    if (!texte) {
+        [barreConnexion_ removeFromParentViewController];
+        barreConnexion_ = nil;
+        return;
+    }
+    if (!barreConnexion_) {
+        texteConnexion_ = [NSTextField labelWithString:@""];
+        texteConnexion_.lineBreakMode = NSLineBreakByTruncatingTail;
+        [texteConnexion_
+            setContentCompressionResistancePriority:NSLayoutPriorityDefaultLow
+                                     forOrientation:NSLayoutConstraintOrientationHorizontal];
+        annulerConnexion_ = [[BrindexCible alloc] init];
+        NSButton *bouton = [NSButton buttonWithTitle:@"Annuler"
+                                              target:annulerConnexion_
+                                              action:@selector(agir:)];
+        NSStackView *pile = [NSStackView stackViewWithViews:@[ texteConnexion_, bouton ]];
+        pile.edgeInsets = NSEdgeInsetsMake(4, 12, 4, 12);
+        pile.frame = NSMakeRect(0, 0, fenetre_.frame.size.width, pile.fittingSize.height);
+        barreConnexion_ = [[NSTitlebarAccessoryViewController alloc] init];
+        barreConnexion_.layoutAttribute = NSLayoutAttributeBottom;
+        barreConnexion_.view = pile;
+        [fenetre_ addTitlebarAccessoryViewController:barreConnexion_];
+    }
+    texteConnexion_.stringValue = ns(*texte);
+    annulerConnexion_.action = std::move(annuler);
 }
 
 template <typename Interface>

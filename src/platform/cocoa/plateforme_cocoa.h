@@ -1,6 +1,7 @@
 #pragma once
 
 #import <AppKit/AppKit.h>
+#import <Network/Network.h>
 
 #include <memory>
 
@@ -56,6 +57,10 @@ class PlateformeCocoa : public Plateforme {
     std::optional<std::string> dossierTelechargements() override;
     std::string dossierPersonnel() override;
     bool existe(const std::string& chemin) override;
+    void plusTard(std::chrono::milliseconds delai, std::function<void()> action) override;
+    // The keys a configuration profile forces (managed preferences); what the user set
+    // themselves doesn't count.
+    Administration administration() const override;
 
     // ~/Library/Logs/Brindex.log; its folder is the system's.
     static std::string cheminJournal();
@@ -66,6 +71,9 @@ class PlateformeCocoa : public Plateforme {
     TransportCocoa transport_;
     BrindexDelegueTelechargements* telechargements_ = nil;
     id moniteur_ = nil;
+    // The network coming back, the machine waking up.
+    nw_path_monitor_t chemins_ = nil;
+    id reveil_ = nil;
 };
 
 }  // namespace brindex::cocoa

@@ -1,5 +1,7 @@
 #import "platform/cocoa/plateforme_cocoa.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 
 #include "platform/cocoa/outils_cocoa.h"
@@ -142,10 +144,74 @@ Pression pressionDepuis(NSEvent *evenement) {
     return pression;
 }
 
+// Network's path monitor, opened when the platform starts instead of linked: the application
+// links AppKit, WebKit and Foundation only, and the SDK stubs its cross-built link binds against
+// give Network none of its nw_* functions (they live in libnetwork, which Network re-exports).
+// Without it, the network coming back goes unnoticed and "Réessayer" is left to the user.
+struct MoniteurChemins {
+    decltype(&nw_path_monitor_create) creer = nullptr;
+    decltype(&nw_path_monitor_set_queue) file = nullptr;
+    decltype(&nw_path_monitor_set_update_handler) suivre = nullptr;
+    decltype(&nw_path_monitor_start) demarrer = nullptr;
+    decltype(&nw_path_monitor_cancel) annuler = nullptr;
+    decltype(&nw_path_get_status) etat = nullptr;
+};
+
+const MoniteurChemins *moniteurChemins() {
+    static const MoniteurChemins fonctions = [] {
+        MoniteurChemins f;
+        void *reseau =
+            dlopen("/System/Library/Frameworks/Network.framework/Network", RTLD_LAZY | RTLD_LOCAL);
+        if (!reseau) return f;
+        const auto lier = [reseau](auto &fonction, const char *nom) {
+            fonction =
+                reinterpret_cast<std::remove_reference_t<decltype(fonction)>>(dlsym(reseau, nom));
+        };
+        lier(f.creer, "nw_path_monitor_create");
+        lier(f.file, "nw_path_monitor_set_queue");
+        lier(f.suivre, "nw_path_monitor_set_update_handler");
+        lier(f.demarrer, "nw_path_monitor_start");
+        lier(f.annuler, "nw_path_monitor_cancel");
+        lier(f.etat, "nw_path_get_status");
+        return f;
+    }();
+    const bool complet = fonctions.creer && fonctions.file && fonctions.suivre &&
+                         fonctions.demarrer && fonctions.annuler && fonctions.etat;
+    return complet ? &fonctions : nullptr;
+}
+
 }  // namespace
 
 PlateformeCocoa::~PlateformeCocoa() {
     if (moniteur_) [NSEvent removeMonitor:moniteur_];
+    if (chemins_) moniteurChemins()->annuler(chemins_);
+    if (reveil_) [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:reveil_];
+}
+
+void PlateformeCocoa::plusTard(std::chrono::milliseconds delai, std::function<void()> action) {
+    dispatch_after(
+        dispatch_time(DISPATCH_TIME_NOW, static_cast<int64_t>(delai.count()) * NSEC_PER_MSEC),
+        dispatch_get_main_queue(), ^{
+            action();
+        });
+}
+
+Administration PlateformeCocoa::administration() const {
+    NSUserDefaults *reglages = NSUserDefaults.standardUserDefaults;
+    Administration administration;
+    NSString *origines = ns(CleAdministration::originesConnexion);
+    if ([reglages objectIsForcedForKey:origines]) {
+        for (id origine in [reglages arrayForKey:origines]) {
+            if ([origine isKindOfClass:NSString.class]) {
+                administration.originesConnexion.push_back(texte(origine));
+            }
+        }
+    }
+    NSString *question = ns(CleAdministration::questionConnexion);
+    if ([reglages objectIsForcedForKey:question]) {
+        administration.questionConnexion = [reglages boolForKey:question];
+    }
+    return administration;
 }
 
 void PlateformeCocoa::definirControleur(std::weak_ptr<Controleur> controleur) {
@@ -163,6 +229,24 @@ void PlateformeCocoa::definirControleur(std::weak_ptr<Controleur> controleur) {
                                                   }
                                                   return evenement;
                                               }];
+    // The network back (every path that becomes usable) and the machine awake: the space is
+    // tried again if it was unreachable.
+    if (const MoniteurChemins *reseau = moniteurChemins()) {
+        chemins_ = reseau->creer();
+        reseau->file(chemins_, dispatch_get_main_queue());
+        reseau->suivre(chemins_, ^(nw_path_t chemin) {
+            if (reseau->etat(chemin) != nw_path_status_satisfied) return;
+            if (const auto c = controleur.lock()) c->reprise(Controleur::Reprise::reseau);
+        });
+        reseau->demarrer(chemins_);
+    }
+    reveil_ = [NSWorkspace.sharedWorkspace.notificationCenter
+        addObserverForName:NSWorkspaceDidWakeNotification
+                    object:nil
+                     queue:NSOperationQueue.mainQueue
+                usingBlock:^(NSNotification *) {
+                    if (const auto c = controleur.lock()) c->reprise(Controleur::Reprise::reveil);
+                }];
 }
 
 std::shared_ptr<FenetrePrincipale> PlateformeCocoa::creerFenetrePrincipale(

@@ -66,6 +66,12 @@ class VueWebCocoa final : public VueWeb, public std::enable_shared_from_this<Vue
     double progression() const override;
     bool aUnePageARecharger() const override;
     void detacher() override;
+    void trancher(Politique politique) override;
+    std::vector<std::string> historiqueArriere(std::size_t maximum) const override;
+    void reculerDe(std::size_t pas) override;
+    // Keeps WebKit's decision handler of a navigation the controller answers later; a previous
+    // one still waiting is cancelled (WebKit wants every handler called once).
+    void differer(std::function<void(Politique)> repondre);
     void essayerFermer() override;
     void chercher(const std::string &texte, SensRecherche sens) override;
     void finirRecherche() override;
@@ -81,6 +87,7 @@ class VueWebCocoa final : public VueWeb, public std::enable_shared_from_this<Vue
     // The space's own view leaves its window's content when it goes; a popup's stays in its
     // window until the window has closed.
     bool principale_ = false;
+    std::function<void(Politique)> enAttente_;
 };
 
 }  // namespace brindex::cocoa

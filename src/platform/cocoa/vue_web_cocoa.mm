@@ -33,9 +33,20 @@ class TelechargementCocoa : public brindex::Telechargement {
 brindex::ActionNavigation actionDepuis(WKNavigationAction *action) {
     brindex::ActionNavigation valeur;
     valeur.url = texteOptionnel(action.request.URL.absoluteString);
-    valeur.type = action.navigationType == WKNavigationTypeLinkActivated
-                      ? brindex::TypeNavigation::lienActive
-                      : brindex::TypeNavigation::autre;
+    switch (action.navigationType) {
+        case WKNavigationTypeLinkActivated:
+            valeur.type = brindex::TypeNavigation::lienActive;
+            break;
+        case WKNavigationTypeFormSubmitted:
+        case WKNavigationTypeFormResubmitted:
+            valeur.type = brindex::TypeNavigation::formulaire;
+            break;
+        case WKNavigationTypeBackForward:
+        case WKNavigationTypeReload:
+        case WKNavigationTypeOther:
+            valeur.type = brindex::TypeNavigation::autre;
+            break;
+    }
     if (!action.targetFrame) {
         valeur.cible = brindex::CadreCible::aucun;
     } else if (action.targetFrame.mainFrame) {
@@ -56,9 +67,21 @@ P politiqueWebKit(brindex::Politique politique, P autoriser, P telecharger, P an
         case brindex::Politique::telecharger:
             return telecharger;
         case brindex::Politique::annuler:
+        case brindex::Politique::differer:
             return annuler;
     }
     return annuler;
+}
+
+bool methodeHttp(NSString *methode) {
+    for (NSString *m in @[
+             NSURLAuthenticationMethodDefault, NSURLAuthenticationMethodHTTPBasic,
+             NSURLAuthenticationMethodHTTPDigest, NSURLAuthenticationMethodNTLM,
+             NSURLAuthenticationMethodNegotiate
+         ]) {
+        if ([methode isEqualToString:m]) return true;
+    }
+    return false;
 }
 
 brindex::ErreurChargement erreurDepuis(NSError *erreur) {
@@ -288,10 +311,17 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
         decisionHandler(WKNavigationActionPolicyCancel);
         return;
     }
-    decisionHandler(
-        politiqueWebKit(controleur->deciderAction(*_vue, actionDepuis(navigationAction)),
-                        WKNavigationActionPolicyAllow, WKNavigationActionPolicyDownload,
-                        WKNavigationActionPolicyCancel));
+    const auto repondre = [decisionHandler](brindex::Politique politique) {
+        decisionHandler(politiqueWebKit(politique, WKNavigationActionPolicyAllow,
+                                        WKNavigationActionPolicyDownload,
+                                        WKNavigationActionPolicyCancel));
+    };
+    const auto politique = controleur->deciderAction(*_vue, actionDepuis(navigationAction));
+    if (politique == brindex::Politique::differer) {
+        _vue->differer(repondre);
+    } else {
+        repondre(politique);
+    }
 }
 
 - (void)webView:(WKWebView *)webView
@@ -312,9 +342,58 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
     reponse.typeAffichable = navigationResponse.canShowMIMEType;
     reponse.url = texteOptionnel(navigationResponse.response.URL.absoluteString);
     reponse.cadrePrincipal = navigationResponse.forMainFrame;
-    decisionHandler(
-        politiqueWebKit(controleur->deciderReponse(*_vue, reponse), WKNavigationResponsePolicyAllow,
-                        WKNavigationResponsePolicyDownload, WKNavigationResponsePolicyCancel));
+    const auto repondre = [decisionHandler](brindex::Politique politique) {
+        decisionHandler(politiqueWebKit(politique, WKNavigationResponsePolicyAllow,
+                                        WKNavigationResponsePolicyDownload,
+                                        WKNavigationResponsePolicyCancel));
+    };
+    const auto politique = controleur->deciderReponse(*_vue, reponse);
+    if (politique == brindex::Politique::differer) {
+        _vue->differer(repondre);
+    } else {
+        repondre(politique);
+    }
+}
+
+- (void)webView:(WKWebView *)webView
+    didReceiveAuthenticationChallenge:(NSURLAuthenticationChallenge *)challenge
+                    completionHandler:(void (^)(NSURLSessionAuthChallengeDisposition,
+                                                NSURLCredential *_Nullable))completionHandler {
+    NSURLProtectionSpace *espace = challenge.protectionSpace;
+    const auto controleur = _controleur.lock();
+    // Server trust and client certificates are the system's business.
+    if (!controleur || !methodeHttp(espace.authenticationMethod)) {
+        completionHandler(NSURLSessionAuthChallengePerformDefaultHandling, nil);
+        return;
+    }
+    brindex::DemandeAuthentification demande;
+    demande.scheme = brindex::cocoa::texte(espace.protocol);
+    demande.hote = brindex::cocoa::texte(espace.host);
+    demande.port = espace.port;
+    demande.royaume = brindex::cocoa::texte(espace.realm);
+    demande.proxy = espace.isProxy;
+    demande.nouvelEssai = challenge.previousFailureCount > 0;
+    demande.peutMemoriser = true;
+    NSURLCredential *proposee = challenge.proposedCredential;
+    demande.identifiantPropose = texteOptionnel(proposee.user);
+    demande.motDePassePropose = proposee.hasPassword;
+    controleur->authentificationDemandee(
+        *_vue, demande,
+        [completionHandler, proposee](std::optional<brindex::Identifiants> identifiants) {
+            NSURLCredential *credential = nil;
+            if (identifiants && identifiants->propose) {
+                credential = proposee;
+            } else if (identifiants) {
+                credential =
+                    [NSURLCredential credentialWithUser:ns(identifiants->identifiant)
+                                               password:ns(identifiants->motDePasse)
+                                            persistence:identifiants->memoriser
+                                                            ? NSURLCredentialPersistencePermanent
+                                                            : NSURLCredentialPersistenceForSession];
+            }
+            // Without credentials the server's own answer (its 401 page) shows.
+            completionHandler(NSURLSessionAuthChallengeUseCredential, credential);
+        });
 }
 
 - (void)webView:(WKWebView *)webView didFinishNavigation:(WKNavigation *)navigation {
@@ -517,6 +596,7 @@ VueWebCocoa::~VueWebCocoa() {
 }
 
 void VueWebCocoa::detacher() {
+    trancher(Politique::annuler);
     // Observations must end before the web view goes away.
     if (observateur_) {
         [webView_ removeObserver:observateur_ forKeyPath:@"title"];
@@ -549,6 +629,29 @@ std::optional<std::string> VueWebCocoa::url() const {
 std::optional<std::string> VueWebCocoa::titre() const { return texteOptionnel(webView_.title); }
 double VueWebCocoa::progression() const { return webView_.estimatedProgress; }
 bool VueWebCocoa::aUnePageARecharger() const { return webView_.backForwardList.currentItem != nil; }
+
+void VueWebCocoa::differer(std::function<void(Politique)> repondre) {
+    if (auto precedente = std::exchange(enAttente_, nullptr)) precedente(Politique::annuler);
+    enAttente_ = std::move(repondre);
+}
+void VueWebCocoa::trancher(Politique politique) {
+    if (auto repondre = std::exchange(enAttente_, nullptr)) repondre(politique);
+}
+std::vector<std::string> VueWebCocoa::historiqueArriere(std::size_t maximum) const {
+    std::vector<std::string> urls;
+    NSArray<WKBackForwardListItem *> *liste = webView_.backForwardList.backList;
+    for (NSInteger i = static_cast<NSInteger>(liste.count) - 1; i >= 0 && urls.size() < maximum;
+         --i) {
+        urls.push_back(texte(liste[static_cast<NSUInteger>(i)].URL.absoluteString));
+    }
+    return urls;
+}
+void VueWebCocoa::reculerDe(std::size_t pas) {
+    if (WKBackForwardListItem *element =
+            [webView_.backForwardList itemAtIndex:-static_cast<NSInteger>(pas)]) {
+        [webView_ goToBackForwardListItem:element];
+    }
+}
 
 void VueWebCocoa::essayerFermer() {
     if ([webView_ respondsToSelector:@selector(_tryClose)]) {

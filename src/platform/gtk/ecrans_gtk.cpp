@@ -298,7 +298,8 @@ EcranErreur::EcranErreur(std::shared_ptr<VueErreur> vue) : vue_(std::move(vue)) 
     namespace E = D::Erreur;
     GtkWidget* signe = etiquette(E::signe, "signe", E::signe.texte);
     espaceSous(signe, D::espacementColonne);
-    GtkWidget* titre = etiquette(E::titre, "titre-erreur", E::titre.texte);
+    GtkWidget* titre = etiquette(E::titre, "titre-erreur", vue_->titre());
+    gtk_widget_set_name(titre, "titre-erreur");
     espaceSous(titre, D::espacementColonne);
     GtkWidget* explication = etiquette(E::explication, "explication", vue_->detail());
     gtk_widget_set_name(explication, "explication");

@@ -125,6 +125,38 @@ void FenetreGtk<Interface>::feuille(const Alerte& alerte,
 }
 
 template <typename Interface>
+void FenetreGtk<Interface>::barreConnexion(const std::optional<std::string>& texte,
+                                           std::function<void()> annuler) {
+    annulerConnexion_ = std::move(annuler);
+    if (!texte) {
+        if (barreConnexion_) gtk_box_remove(bandeau(), barreConnexion_);
+        barreConnexion_ = nullptr;
+        return;
+    }
+    if (!barreConnexion_) {
+        barreConnexion_ = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
+        gtk_widget_set_name(barreConnexion_, "barre-connexion");
+        gtk_widget_add_css_class(barreConnexion_, "barre-connexion");
+        GtkWidget* libelle = gtk_label_new(nullptr);
+        gtk_widget_set_name(libelle, "texte-connexion");
+        gtk_widget_set_hexpand(libelle, TRUE);
+        gtk_label_set_xalign(GTK_LABEL(libelle), 0.0f);
+        gtk_label_set_ellipsize(GTK_LABEL(libelle), PANGO_ELLIPSIZE_END);
+        GtkWidget* bouton = gtk_button_new_with_label("Annuler");
+        gtk_widget_set_name(bouton, "annuler-connexion");
+        g_signal_connect(bouton, "clicked", G_CALLBACK(+[](GtkButton*, gpointer donnees) {
+                             auto* soi = static_cast<FenetreGtk*>(donnees);
+                             if (auto rappel = soi->annulerConnexion_) rappel();
+                         }),
+                         this);
+        gtk_box_append(GTK_BOX(barreConnexion_), libelle);
+        gtk_box_append(GTK_BOX(barreConnexion_), bouton);
+        gtk_box_append(bandeau(), barreConnexion_);
+    }
+    gtk_label_set_text(GTK_LABEL(gtk_widget_get_first_child(barreConnexion_)), texte->c_str());
+}
+
+template <typename Interface>
 void FenetreGtk<Interface>::attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) {
     recherche_ = std::make_unique<BarreRechercheGtk>(bandeau(), std::move(recherche));
 }

@@ -40,6 +40,8 @@ class FenetreGtk : public Interface {
     void fermer() override;
     using Interface::feuille;
     void feuille(const Alerte& alerte, std::function<void(ReponseAlerte)> reponse) override;
+    void barreConnexion(const std::optional<std::string>& texte,
+                        std::function<void()> annuler) override;
     void attacherRecherche(std::shared_ptr<RechercheDansPage> recherche) override;
 
   protected:
@@ -51,6 +53,9 @@ class FenetreGtk : public Interface {
 
     Ref<GtkWidget> fenetre_;
     Ref<GtkWidget> bandeau_;
+    // The sign-in bar in the strip, while it shows, and what its button does.
+    GtkWidget* barreConnexion_ = nullptr;
+    std::function<void()> annulerConnexion_;
     std::unique_ptr<BarreRechercheGtk> recherche_;
     std::function<void()> vaFermer_;
     std::function<bool()> retenue_;

@@ -89,6 +89,9 @@ std::string feuilleDeStyle() {
       << ";border:none;border-radius:0;margin:0;}\n";
     s << "progressbar.chargement{min-height:3px;padding:0;}\n";
     s << ".alerte-titre{font-weight:700;font-size:15px;}\n";
+    s << ".barre-connexion{background-color:" << css(Marque::carte)
+      << ";color:" << css(Marque::texte) << ";border-bottom:1px solid " << css(Marque::ligne)
+      << ";padding:4px 12px;}\n";
     s << ".barre-recherche{background-color:" << css(Marque::carte) << ";border-bottom:1px solid "
       << css(Marque::ligne) << ";padding:4px 8px;}\n";
     s << ".barre-recherche label{color:" << css(Marque::attenue) << ";min-width:150px;}\n";

@@ -1,5 +1,6 @@
 #include "plateforme_gtk.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -75,6 +76,11 @@ PlateformeGtk::~PlateformeGtk() {
 
 void PlateformeGtk::definirControleur(std::weak_ptr<Controleur> controleur) {
     controleur_ = std::move(controleur);
+    reprise_ = std::make_unique<SurveillanceReprise>([faible = controleur_](bool reveil) {
+        if (const auto c = faible.lock()) {
+            c->reprise(reveil ? Controleur::Reprise::reveil : Controleur::Reprise::reseau);
+        }
+    });
 }
 
 std::shared_ptr<FenetrePrincipale> PlateformeGtk::creerFenetrePrincipale(
@@ -115,6 +121,23 @@ std::optional<std::string> PlateformeGtk::applicationPour(const std::string& url
 
 void PlateformeGtk::reveler(const std::string& chemin) {
     revelerFichier(chemin);
+}
+
+void PlateformeGtk::plusTard(std::chrono::milliseconds delai, std::function<void()> action) {
+    using Action = std::function<void()>;
+    const auto ms = static_cast<guint>(std::clamp<std::int64_t>(delai.count(), 0, G_MAXUINT));
+    g_timeout_add_full(
+        G_PRIORITY_DEFAULT, ms,
+        [](gpointer donnees) {
+            (*static_cast<Action*>(donnees))();
+            return G_SOURCE_REMOVE;
+        },
+        new Action(std::move(action)),
+        [](gpointer donnees) { delete static_cast<Action*>(donnees); });
+}
+
+Administration PlateformeGtk::administration() const {
+    return administrationGtk();
 }
 
 GtkWindow* PlateformeGtk::fenetreParente() const {

@@ -9,6 +9,7 @@
 #include "container/ports.hpp"
 #include "fenetres_gtk.hpp"
 #include "reglages_gtk.hpp"
+#include "services_gtk.hpp"
 #include "transport_soup.hpp"
 
 namespace brindex::gtk {
@@ -60,6 +61,8 @@ class PlateformeGtk : public Plateforme {
     bool existe(const std::string& chemin) override;
     std::vector<std::string> suffixesTemporairesTelechargement() const override;
     bool balayagePossible() const override;
+    void plusTard(std::chrono::milliseconds delai, std::function<void()> action) override;
+    Administration administration() const override;
 
     std::shared_ptr<FenetrePrincipaleGtk> fenetrePrincipale() const { return principale_.lock(); }
     // Downloads of the engine being followed (the debug trace counts them).
@@ -83,6 +86,7 @@ class PlateformeGtk : public Plateforme {
     std::weak_ptr<FenetrePrincipaleGtk> principale_;
     std::map<WebKitDownload*, std::shared_ptr<TelechargementGtk>> telechargements_;
     bool sansComposition_ = false;
+    std::unique_ptr<SurveillanceReprise> reprise_;
 };
 
 }  // namespace brindex::gtk

@@ -1,5 +1,7 @@
 #include "reglages_gtk.hpp"
 
+#include "container/connexion.hpp"
+
 #include <glib.h>
 #include <glib/gstdio.h>
 
@@ -58,6 +60,36 @@ void ReglagesGtk::ecrire(const std::string& cle, const std::optional<std::string
     g_free(dossier);
     // Written to a temporary file then renamed: never half a file.
     g_key_file_save_to_file(f.cles, chemin_.c_str(), nullptr);
+}
+
+Administration administrationGtk() {
+    Administration administration;
+    bool origines = false;
+    for (const char* const* dossier = g_get_system_config_dirs(); *dossier; ++dossier) {
+        char* chemin = g_build_filename(*dossier, "brindex", "brindex.conf", nullptr);
+        FichierCles f;
+        const bool lu = g_key_file_load_from_file(f.cles, chemin, G_KEY_FILE_NONE, nullptr);
+        g_free(chemin);
+        if (!lu) continue;
+        const std::string cleOrigines(CleAdministration::originesConnexion);
+        if (!origines && g_key_file_has_key(f.cles, groupe, cleOrigines.c_str(), nullptr)) {
+            origines = true;
+            if (char** liste = g_key_file_get_string_list(f.cles, groupe, cleOrigines.c_str(),
+                                                          nullptr, nullptr)) {
+                for (char** o = liste; *o; ++o) administration.originesConnexion.emplace_back(*o);
+                g_strfreev(liste);
+            }
+        }
+        const std::string cleQuestion(CleAdministration::questionConnexion);
+        GError* erreur = nullptr;
+        const gboolean question =
+            g_key_file_get_boolean(f.cles, groupe, cleQuestion.c_str(), &erreur);
+        if (!administration.questionConnexion && !erreur) {
+            administration.questionConnexion = question != FALSE;
+        }
+        g_clear_error(&erreur);
+    }
+    return administration;
 }
 
 }  // namespace brindex::gtk

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "brand/reglages.hpp"
+#include "container/ports.hpp"
 
 namespace brindex::gtk {
 
@@ -24,5 +25,10 @@ class ReglagesGtk : public Reglages {
   private:
     std::string chemin_;
 };
+
+// What the administrator set for every user: the system's key files brindex/brindex.conf in
+// the XDG configuration folders (/etc/xdg first of all), group [brindex]; for each key, the
+// first folder that sets it wins.
+Administration administrationGtk();
 
 }  // namespace brindex::gtk

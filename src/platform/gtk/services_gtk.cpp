@@ -150,4 +150,50 @@ bool carteGraphiquePresente() {
     return trouve;
 }
 
+SurveillanceReprise::SurveillanceReprise(std::function<void(bool)> rappel)
+    : rappel_(std::move(rappel)),
+      moniteur_(static_cast<GNetworkMonitor*>(g_object_ref(g_network_monitor_get_default()))),
+      annulation_(g_cancellable_new()) {
+    g_signal_connect(moniteur_, "network-changed",
+                     G_CALLBACK(+[](GNetworkMonitor*, gboolean disponible, gpointer soi) {
+                         if (disponible) static_cast<SurveillanceReprise*>(soi)->rappel_(false);
+                     }),
+                     this);
+    // The system bus is reached without holding up the launch; a machine without logind (or
+    // without a system bus) simply never reports waking up.
+    g_bus_get(
+        G_BUS_TYPE_SYSTEM, annulation_,
+        [](GObject*, GAsyncResult* resultat, gpointer donnees) {
+            GDBusConnection* bus = g_bus_get_finish(resultat, nullptr);
+            if (!bus) return;  // also when cancelled: `donnees` may be gone
+            auto* soi = static_cast<SurveillanceReprise*>(donnees);
+            soi->bus_ = bus;
+            soi->abonnement_ = g_dbus_connection_signal_subscribe(
+                bus, "org.freedesktop.login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
+                "/org/freedesktop/login1", nullptr, G_DBUS_SIGNAL_FLAGS_NONE,
+                [](GDBusConnection*, const char*, const char*, const char*, const char*,
+                   GVariant* parametres, gpointer s) {
+                    gboolean avant = TRUE;
+                    if (g_variant_is_of_type(parametres, G_VARIANT_TYPE("(b)"))) {
+                        g_variant_get(parametres, "(b)", &avant);
+                    }
+                    // FALSE: the machine has just woken up.
+                    if (!avant) static_cast<SurveillanceReprise*>(s)->rappel_(true);
+                },
+                soi, nullptr);
+        },
+        this);
+}
+
+SurveillanceReprise::~SurveillanceReprise() {
+    g_cancellable_cancel(annulation_);
+    g_object_unref(annulation_);
+    g_signal_handlers_disconnect_by_data(moniteur_, this);
+    g_object_unref(moniteur_);
+    if (bus_) {
+        g_dbus_connection_signal_unsubscribe(bus_, abonnement_);
+        g_object_unref(bus_);
+    }
+}
+
 }  // namespace brindex::gtk

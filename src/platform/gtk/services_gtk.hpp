@@ -1,5 +1,8 @@
 #pragma once
 
+#include <gio/gio.h>
+
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,5 +38,22 @@ std::optional<std::string> rendeurGlGtk();
 // Whether the machine has a graphics device GL could run on: a DRM node, or the device of
 // NVIDIA's own driver. Asked before GTK opens the display.
 bool carteGraphiquePresente();
+
+// Tells when the network comes back (GIO's network monitor) and when the machine wakes up
+// (logind's PrepareForSleep on the system bus); `reveil` says which.
+class SurveillanceReprise {
+  public:
+    explicit SurveillanceReprise(std::function<void(bool reveil)> rappel);
+    ~SurveillanceReprise();
+    SurveillanceReprise(const SurveillanceReprise&) = delete;
+    SurveillanceReprise& operator=(const SurveillanceReprise&) = delete;
+
+  private:
+    std::function<void(bool)> rappel_;
+    GNetworkMonitor* moniteur_;
+    GCancellable* annulation_;
+    GDBusConnection* bus_ = nullptr;
+    guint abonnement_ = 0;
+};
 
 }  // namespace brindex::gtk

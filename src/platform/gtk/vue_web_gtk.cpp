@@ -38,10 +38,20 @@ ActionNavigation actionDepuis(WebKitNavigationAction* action, CadreCible cible) 
     valeur.gesteUtilisateur = webkit_navigation_action_is_user_gesture(action) != FALSE;
     WebKitURIRequest* requete = webkit_navigation_action_get_request(action);
     valeur.url = texte(requete ? webkit_uri_request_get_uri(requete) : nullptr);
-    valeur.type =
-        webkit_navigation_action_get_navigation_type(action) == WEBKIT_NAVIGATION_TYPE_LINK_CLICKED
-            ? TypeNavigation::lienActive
-            : TypeNavigation::autre;
+    switch (webkit_navigation_action_get_navigation_type(action)) {
+        case WEBKIT_NAVIGATION_TYPE_LINK_CLICKED:
+            valeur.type = TypeNavigation::lienActive;
+            break;
+        case WEBKIT_NAVIGATION_TYPE_FORM_SUBMITTED:
+        case WEBKIT_NAVIGATION_TYPE_FORM_RESUBMITTED:
+            valeur.type = TypeNavigation::formulaire;
+            break;
+        case WEBKIT_NAVIGATION_TYPE_BACK_FORWARD:
+        case WEBKIT_NAVIGATION_TYPE_RELOAD:
+        case WEBKIT_NAVIGATION_TYPE_OTHER:
+            valeur.type = TypeNavigation::autre;
+            break;
+    }
     valeur.cible = cible;
     return valeur;
 }
@@ -55,6 +65,7 @@ void appliquer(WebKitPolicyDecision* decision, Politique politique) {
             webkit_policy_decision_download(decision);
             return;
         case Politique::annuler:
+        case Politique::differer:
             webkit_policy_decision_ignore(decision);
             return;
     }
@@ -133,6 +144,7 @@ void VueWebGtk::connecter() {
     g_signal_connect(v, "notify::title", G_CALLBACK(surTitre), this);
     g_signal_connect(v, "notify::estimated-load-progress", G_CALLBACK(surProgression), this);
     g_signal_connect(v, "web-process-terminated", G_CALLBACK(surFinProcessus), this);
+    g_signal_connect(v, "authenticate", G_CALLBACK(surAuthentification), this);
     g_signal_connect(v, "print", G_CALLBACK(surImpression), this);
     WebKitFindController* recherche = webkit_web_view_get_find_controller(v);
     g_signal_connect(recherche, "found-text", G_CALLBACK(surTrouve), this);
@@ -149,6 +161,9 @@ void VueWebGtk::detacher() {
     if (!attachee_) return;
     attachee_ = false;
     annulerDelai();
+    if (const auto decision = std::exchange(enAttente_, {})) {
+        webkit_policy_decision_ignore(decision.get());
+    }
     pretAAfficher = nullptr;
     if (!vue_) return;
     g_signal_handlers_disconnect_by_data(vue_.get(), this);
@@ -160,9 +175,8 @@ void VueWebGtk::detacher() {
 
 void VueWebGtk::charger(const std::string& url, double delaiSecondes) {
     annulerDelai();
-    if (delaiSecondes > 0) {
-        delai_ = g_timeout_add(static_cast<guint>(delaiSecondes * 1000), surDelaiDepasse, this);
-    }
+    delaiMs_ = delaiSecondes > 0 ? static_cast<guint>(delaiSecondes * 1000) : 0;
+    if (delaiMs_ > 0) delai_ = g_timeout_add(delaiMs_, surDelaiDepasse, this);
     jalon("chargement demande");
     webkit_web_view_load_uri(vue_.get(), url.c_str());
 }
@@ -209,6 +223,56 @@ void VueWebGtk::essayerFermer() {
 bool VueWebGtk::aUnePageARecharger() const {
     return webkit_back_forward_list_get_current_item(
                webkit_web_view_get_back_forward_list(vue_.get())) != nullptr;
+}
+std::vector<std::string> VueWebGtk::historiqueArriere(std::size_t maximum) const {
+    std::vector<std::string> urls;
+    WebKitBackForwardList* liste = webkit_web_view_get_back_forward_list(vue_.get());
+    for (std::size_t i = 1; i <= maximum; ++i) {
+        WebKitBackForwardListItem* element =
+            webkit_back_forward_list_get_nth_item(liste, -static_cast<gint>(i));
+        if (!element) break;
+        const char* uri = webkit_back_forward_list_item_get_uri(element);
+        urls.emplace_back(uri ? uri : "");
+    }
+    return urls;
+}
+void VueWebGtk::reculerDe(std::size_t pas) {
+    WebKitBackForwardList* liste = webkit_web_view_get_back_forward_list(vue_.get());
+    if (WebKitBackForwardListItem* element =
+            webkit_back_forward_list_get_nth_item(liste, -static_cast<gint>(pas))) {
+        webkit_web_view_go_to_back_forward_list_item(vue_.get(), element);
+    }
+}
+
+void VueWebGtk::appliquerPolitique(WebKitPolicyDecision* decision, Politique politique) {
+    if (politique != Politique::differer) return appliquer(decision, politique);
+    if (const auto precedente = std::exchange(enAttente_, {})) {
+        webkit_policy_decision_ignore(precedente.get());
+        attendreUtilisateur(false);
+    }
+    enAttente_ = Ref<WebKitPolicyDecision>::partager(decision);
+    attendreUtilisateur(true);
+}
+
+void VueWebGtk::trancher(Politique politique) {
+    const auto decision = std::exchange(enAttente_, {});
+    if (!decision) return;
+    attendreUtilisateur(false);
+    appliquer(decision.get(), politique);
+}
+
+void VueWebGtk::attendreUtilisateur(bool attente) {
+    if (attente) {
+        if (attentesUtilisateur_++ == 0 && delai_ != 0) {
+            annulerDelai();
+            delaiSuspendu_ = true;
+        }
+        return;
+    }
+    if (attentesUtilisateur_ > 0 && --attentesUtilisateur_ == 0 && delaiSuspendu_) {
+        delaiSuspendu_ = false;
+        delai_ = g_timeout_add(delaiMs_, surDelaiDepasse, this);
+    }
 }
 
 void VueWebGtk::chercher(const std::string& texte, SensRecherche sens) {
@@ -271,7 +335,7 @@ gboolean VueWebGtk::surPolitique(WebKitWebView*, WebKitPolicyDecision* decision,
                 action.gesteUtilisateur == true) {
                 vue->deciderLienActive(decision, action);
             } else {
-                appliquer(decision, c->deciderAction(*vue, action));
+                vue->appliquerPolitique(decision, c->deciderAction(*vue, action));
             }
             return TRUE;
         }
@@ -289,7 +353,7 @@ gboolean VueWebGtk::surPolitique(WebKitWebView*, WebKitPolicyDecision* decision,
             valeur.url = texte(r ? webkit_uri_response_get_uri(r) : nullptr);
             valeur.cadrePrincipal =
                 webkit_response_policy_decision_is_main_frame_main_resource(reponse) != FALSE;
-            appliquer(decision, c->deciderReponse(*vue, valeur));
+            vue->appliquerPolitique(decision, c->deciderReponse(*vue, valeur));
             return TRUE;
         }
     }
@@ -311,7 +375,9 @@ void VueWebGtk::deciderLienActive(WebKitPolicyDecision* decision, ActionNavigati
         "(a.getAttribute('target') || '').toLowerCase());";
     const std::string url = action.url.value_or("");
     if (!g_utf8_validate(url.c_str(), static_cast<gssize>(url.size()), nullptr)) {
-        if (const auto c = controleur_.lock()) appliquer(decision, c->deciderAction(*this, action));
+        if (const auto c = controleur_.lock()) {
+            appliquerPolitique(decision, c->deciderAction(*this, action));
+        }
         return;
     }
     const double zoom = webkit_web_view_get_zoom_level(vue_.get());
@@ -347,7 +413,7 @@ void VueWebGtk::deciderLienActive(WebKitPolicyDecision* decision, ActionNavigati
                 webkit_policy_decision_ignore(a->decision.get());
                 return;
             }
-            appliquer(a->decision.get(), c->deciderAction(*vue, a->action));
+            vue->appliquerPolitique(a->decision.get(), c->deciderAction(*vue, a->action));
         },
         attente);
 }
@@ -391,6 +457,7 @@ gboolean VueWebGtk::surEchecTls(WebKitWebView*, char* url, GTlsCertificate*,
 void VueWebGtk::annulerDelai() {
     if (delai_ != 0) g_source_remove(delai_);
     delai_ = 0;
+    delaiSuspendu_ = false;
 }
 
 gboolean VueWebGtk::surDelaiDepasse(gpointer donnees) {
@@ -446,6 +513,70 @@ gboolean VueWebGtk::surEntree(GtkEventControllerLegacy*, GdkEvent* evenement, gp
                             touche && gdk_key_event_is_modifier(evenement)};
     if (const auto c = vue->controleur_.lock()) c->pression(pression);
     return FALSE;
+}
+
+gboolean VueWebGtk::surAuthentification(WebKitWebView*, WebKitAuthenticationRequest* requete,
+                                        gpointer donnees) {
+    VueWebGtk* vue = soi(donnees);
+    const auto c = vue->controleur_.lock();
+    const WebKitAuthenticationScheme scheme = webkit_authentication_request_get_scheme(requete);
+    const bool http = scheme == WEBKIT_AUTHENTICATION_SCHEME_DEFAULT ||
+                      scheme == WEBKIT_AUTHENTICATION_SCHEME_HTTP_BASIC ||
+                      scheme == WEBKIT_AUTHENTICATION_SCHEME_HTTP_DIGEST ||
+                      scheme == WEBKIT_AUTHENTICATION_SCHEME_NTLM ||
+                      scheme == WEBKIT_AUTHENTICATION_SCHEME_NEGOTIATE;
+    // Anything else (a client certificate, say) goes on without: never WebKit's own dialog.
+    if (!c || !http) {
+        webkit_authentication_request_authenticate(requete, nullptr);
+        return TRUE;
+    }
+    DemandeAuthentification demande;
+    WebKitSecurityOrigin* origine = webkit_authentication_request_get_security_origin(requete);
+    demande.scheme = texte(webkit_security_origin_get_protocol(origine)).value_or("");
+    webkit_security_origin_unref(origine);
+    demande.hote = texte(webkit_authentication_request_get_host(requete)).value_or("");
+    demande.port = webkit_authentication_request_get_port(requete);
+    demande.royaume = texte(webkit_authentication_request_get_realm(requete)).value_or("");
+    demande.proxy = webkit_authentication_request_is_for_proxy(requete) != FALSE;
+    demande.nouvelEssai = webkit_authentication_request_is_retry(requete) != FALSE;
+    demande.peutMemoriser = webkit_authentication_request_can_save_credentials(requete) != FALSE;
+    if (WebKitCredential* proposee =
+            webkit_authentication_request_get_proposed_credential(requete)) {
+        demande.identifiantPropose = texte(webkit_credential_get_username(proposee));
+        demande.motDePassePropose = webkit_credential_has_password(proposee) != FALSE;
+        webkit_credential_free(proposee);
+    }
+    // Answered at once, or once the user has: the load's time-out waits for the user only.
+    struct Etat {
+        bool repondu = false;
+        bool attente = false;
+    };
+    const auto etat = std::make_shared<Etat>();
+    std::weak_ptr<VueWebGtk> faible = vue->weak_from_this();
+    c->authentificationDemandee(
+        *vue, demande,
+        [etat, faible, r = Ref<WebKitAuthenticationRequest>::partager(requete)](
+            std::optional<Identifiants> identifiants) {
+            etat->repondu = true;
+            if (const auto v = faible.lock(); v && etat->attente) v->attendreUtilisateur(false);
+            WebKitCredential* credential = nullptr;
+            if (identifiants && identifiants->propose) {
+                credential = webkit_authentication_request_get_proposed_credential(r.get());
+            } else if (identifiants) {
+                credential = webkit_credential_new(
+                    identifiants->identifiant.c_str(), identifiants->motDePasse.c_str(),
+                    identifiants->memoriser ? WEBKIT_CREDENTIAL_PERSISTENCE_PERMANENT
+                                            : WEBKIT_CREDENTIAL_PERSISTENCE_FOR_SESSION);
+            }
+            // Without credentials the server's own answer (its 401 page) shows.
+            webkit_authentication_request_authenticate(r.get(), credential);
+            if (credential) webkit_credential_free(credential);
+        });
+    if (!etat->repondu) {
+        etat->attente = true;
+        vue->attendreUtilisateur(true);
+    }
+    return TRUE;
 }
 
 gboolean VueWebGtk::surImpression(WebKitWebView*, WebKitPrintOperation*, gpointer donnees) {

@@ -50,6 +50,9 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     bool aUnePageARecharger() const override;
     void detacher() override;
     void terminerProcessus() override;
+    void trancher(Politique politique) override;
+    std::vector<std::string> historiqueArriere(std::size_t maximum) const override;
+    void reculerDe(std::size_t pas) override;
     void essayerFermer() override;
     void chercher(const std::string& texte, SensRecherche sens) override;
     void finirRecherche() override;
@@ -82,10 +85,15 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     static gboolean surDelaiDepasse(gpointer);
     static void surFinProcessus(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer);
     static gboolean surEntree(GtkEventControllerLegacy*, GdkEvent*, gpointer);
+    static gboolean surAuthentification(WebKitWebView*, WebKitAuthenticationRequest*, gpointer);
     static gboolean surImpression(WebKitWebView*, WebKitPrintOperation*, gpointer);
     static void surTrouve(WebKitFindController*, guint nombre, gpointer);
     static void surIntrouvable(WebKitFindController*, gpointer);
     void annulerDelai();
+    // The user is asked something the load waits on (a sign-in site, an identification): the
+    // time-out stops meanwhile, and starts afresh once the last answer is in.
+    void attendreUtilisateur(bool attente);
+    void appliquerPolitique(WebKitPolicyDecision* decision, Politique politique);
     // A failed load, reported once with the address that failed.
     void echouer(ErreurChargement erreur, const char* url);
     // Decides a link the user activated once the page has said whether it lies in a frame.
@@ -99,6 +107,12 @@ class VueWebGtk : public VueWeb, public std::enable_shared_from_this<VueWebGtk> 
     bool attachee_ = true;
     // WebKitGTK has no per-request time-out: a timer stands in for it until the server answers.
     guint delai_ = 0;
+    guint delaiMs_ = 0;
+    bool delaiSuspendu_ = false;
+    int attentesUtilisateur_ = 0;
+    // The navigation waiting for the controller's answer: answered before it is let go, since
+    // WebKit takes a decision released unanswered for "use".
+    Ref<WebKitPolicyDecision> enAttente_;
     // Page dialogs still waiting for the user: WebKit's answer to each must come before the view
     // goes, since the engine writes into the view when a dialog closes.
     std::vector<std::weak_ptr<DialogueEnAttente>> dialogues_;
