@@ -191,6 +191,13 @@ std::string detailConnexionRefusee(const Origine& site) {
            "posée de nouveau, ou changez d'adresse.";
 }
 
+std::string detailSiteRefuse(const Origine& site) {
+    return "Votre espace vous envoie vers " + hoteAffiche(site) +
+           ", un autre site, que Brindex n'ouvre pas dans sa fenêtre. S'il s'agit du site où votre "
+           "entreprise vous identifie, demandez à la personne qui administre votre espace de "
+           "l'ajouter aux sites de connexion.";
+}
+
 // ---- HTTP authentication ----
 
 namespace {

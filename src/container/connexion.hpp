@@ -114,6 +114,9 @@ std::string texteBarreConnexion(const Origine& site);
 Alerte alerteExpiration(const Origine& site, bool parDuree);
 inline constexpr std::string_view titreConnexionRefusee = "Connexion refusée";
 std::string detailConnexionRefusee(const Origine& site);
+// Why the window shows nothing of the space: its first page sent it to another site, which isn't
+// one of its sign-in sites.
+std::string detailSiteRefuse(const Origine& site);
 
 // ---- HTTP authentication ----
 

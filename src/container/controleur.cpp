@@ -269,12 +269,28 @@ constexpr std::size_t attentesParVue = 16;
 
 }  // namespace
 
-void Controleur::detourner(const Detournement& detournement) {
+void Controleur::detourner(const Detournement& detournement, const VueWeb& vue) {
     if (detournement.urlAOuvrir) {
         activation_.reset();
         plateforme_.ouvrirUrl(*detournement.urlAOuvrir);
     }
     if (detournement.ligneJournal) Journal::ecrire(*detournement.ligneJournal);
+    if (detournement.siteRefuse) expliquerPageBlanche(vue, *detournement.siteRefuse);
+}
+
+void Controleur::expliquerPageBlanche(const VueWeb& vue, const Origine& site) {
+    const auto blanche = [](const Controleur& c, const VueWeb* v) {
+        return v == c.webView_.get() && !c.principaleADejaCharge_ && !v->aUnePageARecharger();
+    };
+    if (!blanche(*this, &vue)) return;
+    // Out of the engine's callback, which still holds the view.
+    std::weak_ptr<Controleur> faible = weak_from_this();
+    const VueWeb* v = &vue;
+    plateforme_.plusTard(std::chrono::milliseconds(0), [faible, v, site, blanche] {
+        if (const auto c = faible.lock(); c && blanche(*c, v)) {
+            c->montrerErreur(detailSiteRefuse(site));
+        }
+    });
 }
 
 Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action) {
@@ -287,7 +303,7 @@ Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action)
     if (decision.lienApplication && lienApplication(vue, *decision.lienApplication)) {
         decision.effet = {};
     }
-    detourner(decision.effet);
+    detourner(decision.effet, vue);
     if (decision.siCadrePrincipal && action.url) {
         auto& attentes = attentes_[&vue];
         if (attentes.size() == attentesParVue) attentes.erase(attentes.begin());
@@ -328,7 +344,7 @@ Politique Controleur::deciderReponse(VueWeb& vue, const ReponseNavigation& repon
                                                     attente->demandeConnexion)) {
             return *connexion;
         }
-        detourner(attente->detournement);
+        detourner(attente->detournement, vue);
         return Politique::annuler;
     }
     if (const auto refus = reponseRefusee(reponse)) {
@@ -357,7 +373,7 @@ void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
             // During a round trip, refused as the trip refuses; otherwise as ever.
             if (!trajets_.count(&vue) ||
                 !deciderConnexion(vue, attente->action, attente->parUtilisateur, false)) {
-                detourner(attente->detournement);
+                detourner(attente->detournement, vue);
             }
             return;
         }

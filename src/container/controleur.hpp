@@ -217,7 +217,11 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     // Every web view, the main one first, then the secondary windows' oldest first.
     std::vector<std::shared_ptr<VueWeb>> vuesOuvertes() const;
     bool fermetureSecondaireDemandee(FenetreSecondaire& secondaire);
-    void detourner(const Detournement& detournement);
+    // Does what a navigation of `vue` does instead of loading.
+    void detourner(const Detournement& detournement, const VueWeb& vue);
+    // The main view, with nothing of the space shown yet, was sent to another site that is
+    // refused: the window explains instead of staying blank.
+    void expliquerPageBlanche(const VueWeb& vue, const Origine& site);
     // Takes out the navigation waiting on this address; what to do instead, if it filled the
     // main frame.
     struct Attente;

@@ -67,7 +67,7 @@ DecisionAction deciderAction(const ActionNavigation& action,
 
     const Detournement detournement =
         lienClique ? Detournement{*action.url, {}}
-                   : Detournement{{}, ligneExterneRefusee + destination->host()};
+                   : Detournement{{}, ligneExterneRefusee + destination->host(), destination};
     if (action.cible == CadreCible::inconnu) {
         DecisionAction provisoire = etapeFinale(action);
         provisoire.siCadrePrincipal = detournement;

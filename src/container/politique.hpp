@@ -12,6 +12,8 @@ namespace brindex {
 struct Detournement {
     std::optional<std::string> urlAOuvrir;    // hand to the default browser or handler
     std::optional<std::string> ligneJournal;  // write to the diagnostic log
+    // The other site an automatic navigation of the view was refused towards.
+    std::optional<Origine> siteRefuse = std::nullopt;
 };
 
 // A navigation decision plus at most one side effect.

@@ -107,6 +107,10 @@ TEST_F(Connexion, QuestionPourUnSiteInconnu) {
     p.admin.questionConnexion = false;
     controleur->ouvrirEspace(*normaliserAdresse("https://espace.example/"));
     EXPECT_EQ(controleur->deciderAction(principale(), oidc), annuler) << "forbidden";
+    // Nothing of the space has shown: the window says why rather than staying blank.
+    p.avancer(minutes(0));
+    EXPECT_EQ(fenetre().ecran, FenetreTest::Ecran::erreur);
+    EXPECT_NE(fenetre().erreur->detail().find("idp.example, un autre site"), std::string::npos);
 }
 
 // Who may ask the user for a password, what the dialog says, and what the user answers.

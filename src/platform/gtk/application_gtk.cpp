@@ -98,7 +98,7 @@ struct ActionMenu {
 }  // namespace
 
 ApplicationGtk::ApplicationGtk()
-    : application_(Ref<GtkApplication>::prendre(gtk_application_new(
+    : application_(Ref<GtkApplication>::adopter(gtk_application_new(
           std::string(Marque::identifiant).c_str(), G_APPLICATION_DEFAULT_FLAGS))) {
     g_signal_connect(application_.get(), "activate", G_CALLBACK(surActivation), this);
 }

@@ -185,7 +185,7 @@ EcranConfiguration::EcranConfiguration(std::shared_ptr<VueConfiguration> vue)
     gtk_label_set_wrap_mode(GTK_LABEL(message_), PANGO_WRAP_WORD);
     gtk_label_set_lines(GTK_LABEL(message_), C::lignesMessage);
     gtk_label_set_ellipsize(GTK_LABEL(message_), PANGO_ELLIPSIZE_END);
-    styleMessage_ = Ref<GtkCssProvider>::prendre(gtk_css_provider_new());
+    styleMessage_ = Ref<GtkCssProvider>::adopter(gtk_css_provider_new());
     gtk_style_context_add_provider(gtk_widget_get_style_context(message_),
                                    GTK_STYLE_PROVIDER(styleMessage_.get()),
                                    GTK_STYLE_PROVIDER_PRIORITY_APPLICATION + 1);

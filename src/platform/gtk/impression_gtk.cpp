@@ -8,17 +8,11 @@ namespace brindex::gtk {
 
 namespace {
 
-// Holds a new reference of an object that isn't floating.
-Ref<GtkPrintSettings> adopter(GtkPrintSettings* reglages) {
-    auto ref = Ref<GtkPrintSettings>::partager(reglages);
-    g_object_unref(reglages);
-    return ref;
-}
-
 // The printer and options last chosen, offered again for the next print. Never empty: GTK's
 // file printer expects settings to start from.
 Ref<GtkPrintSettings>& reglagesImpression() {
-    static Ref<GtkPrintSettings> reglages = adopter(gtk_print_settings_new());
+    static Ref<GtkPrintSettings> reglages =
+        Ref<GtkPrintSettings>::adopter(gtk_print_settings_new());
     return reglages;
 }
 
@@ -81,7 +75,8 @@ void dialogueImpression(WebKitWebView* vue, const std::string& fichierPdf,
                              GTK_PRINT_CAPABILITY_REVERSE | GTK_PRINT_CAPABILITY_COPIES |
                              GTK_PRINT_CAPABILITY_COLLATE | GTK_PRINT_CAPABILITY_SCALE));
     // The printer and options of the last print, and this page's own file.
-    Ref<GtkPrintSettings> reglages = adopter(gtk_print_settings_copy(reglagesImpression().get()));
+    Ref<GtkPrintSettings> reglages =
+        Ref<GtkPrintSettings>::adopter(gtk_print_settings_copy(reglagesImpression().get()));
     if (char* uri = g_filename_to_uri(fichierPdf.c_str(), nullptr, nullptr)) {
         gtk_print_settings_set(reglages.get(), GTK_PRINT_SETTINGS_OUTPUT_URI, uri);
         g_free(uri);
@@ -103,7 +98,8 @@ void dialogueImpression(WebKitWebView* vue, const std::string& fichierPdf,
             g_signal_handlers_disconnect_by_data(fenetre, donnees);
             auto* choix = GTK_PRINT_UNIX_DIALOG(fenetre);
             if (reponse == GTK_RESPONSE_OK) {
-                reglagesImpression() = adopter(gtk_print_unix_dialog_get_settings(choix));
+                reglagesImpression() =
+                    Ref<GtkPrintSettings>::adopter(gtk_print_unix_dialog_get_settings(choix));
                 imprimer(e->vue.get(), reglagesImpression().get(),
                          gtk_print_unix_dialog_get_page_setup(choix), std::move(e->echec));
             }

@@ -14,10 +14,17 @@ template <typename T>
 class Ref {
   public:
     Ref() = default;
-    // Takes a reference the caller already owns (sinking a floating one).
+    // Takes a new widget's floating reference, or adds one to an object GTK holds itself (a
+    // toplevel window).
     static Ref prendre(T* objet) {
         Ref r;
         if (objet) r.objet_ = static_cast<T*>(g_object_ref_sink(objet));
+        return r;
+    }
+    // Takes over the reference a constructor handed out (transfer full, not floating).
+    static Ref adopter(T* objet) {
+        Ref r;
+        r.objet_ = objet;
         return r;
     }
     // Adds a reference of its own.

@@ -41,10 +41,7 @@ Ref<WebKitNetworkSession> sessionPersistante() {
     char* cache = g_build_filename(g_get_user_cache_dir(), "brindex", nullptr);
     char* biscuits = g_build_filename(donnees, "cookies.sqlite", nullptr);
     g_mkdir_with_parents(donnees, 0700);
-    WebKitNetworkSession* nouvelle = webkit_network_session_new(donnees, cache);
-    // Not floating: the holder takes a reference of its own, and the creator's goes.
-    auto session = Ref<WebKitNetworkSession>::partager(nouvelle);
-    g_object_unref(nouvelle);
+    auto session = Ref<WebKitNetworkSession>::adopter(webkit_network_session_new(donnees, cache));
     webkit_cookie_manager_set_persistent_storage(
         webkit_network_session_get_cookie_manager(session.get()), biscuits,
         WEBKIT_COOKIE_PERSISTENT_STORAGE_SQLITE);
