@@ -27,10 +27,10 @@ ChoixRendu choisirRendu(const std::optional<std::string>& rendeurGl, bool gskImp
 // Before the toolkit opens the display. Without a graphics device (no render node, no
 // proprietary driver's device), GL can only run in software: the choice needs no probe, and
 // GTK need not prepare GL at all, which spares each launch loading a software GL driver (about
-// a tenth of a second, and its memory). WebKit then needn't look for GL before its first view
-// either (its DMA-BUF renderer, which WEBKIT_DISABLE_DMABUF_RENDERER turns off): the software
-// driver it would load then comes later, while the page's processes start. Nothing when there is
-// a device: the probe decides. `dmabufImpose`: the user set that variable, which wins.
+// a tenth of a second, and its memory). WebKit then needn't look for GL either (its DMA-BUF
+// renderer, which WEBKIT_DISABLE_DMABUF_RENDERER turns off, and the render node it looks for
+// through EGL): no software GL driver is loaded in the application at all. Nothing when there
+// is a device: the probe decides. `dmabufImpose`: the user set that variable, which wins.
 std::optional<ChoixRendu> choisirRenduSansCarte(bool carteGraphique, bool gskImpose,
                                                 bool compositionImposee, bool dmabufImpose);
 

@@ -130,6 +130,10 @@ int ApplicationGtk::executer(int argc, char** argv) {
     }
     if (renduSansCarte_ && renduSansCarte_->sansDmabuf) {
         g_setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", TRUE);
+        // Nor is there a render node: named, WebKit doesn't open EGL to find one, which loads
+        // Mesa's software driver and LLVM here (20 MB); web processes that hand their pages over
+        // in shared memory never open it.
+        g_setenv("WEBKIT_WEB_RENDER_DEVICE_FILE", "/dev/null", FALSE);
     }
     char* seul[] = {argc > 0 ? argv[0] : nullptr, nullptr};
     return g_application_run(G_APPLICATION(application_.get()), argc > 0 ? 1 : 0, seul);
