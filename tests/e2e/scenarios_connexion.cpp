@@ -34,6 +34,7 @@ void administrer(const std::string& origine) {
 void connexionSaml(ApplicationGtk& app) {
     attendreJournal("navigation OK " + saml + "/saml/sso");
     WebKitWebView* vue = vueWebPrincipale(app);
+    capturer("connexion");
     verifier(texte(exiger(app, "texte-connexion")) == barre(saml) &&
                  gtk_window_get_title(principale(app)) == barre(saml) &&
                  !chercherPartout(app, "bouton-0"),
@@ -137,6 +138,7 @@ void authentification(ApplicationGtk& app) {
             contient(texte(chercher(dialogue, "texte-alerte")),
                      " demande votre identifiant et votre mot de passe pour « Espace Brindex »"),
         texte(chercher(dialogue, "texte-alerte")));
+    capturer("identification");
     patienter(3);
     verifier(!contient(journal(), "-1001") && chercherPartout(app, "bouton-0"),
              "aucun délai pendant la question");

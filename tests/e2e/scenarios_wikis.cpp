@@ -18,6 +18,7 @@ void question(ApplicationGtk& app, const char* commande, const char* touche = nu
     verifier(texte(chercher(f, "titre-alerte")) == "Quitter cette page ?" &&
                  gtk_window_get_transient_for(GTK_WINDOW(f)) == fenetre,
              "la question, sur la fenêtre de la page");
+    capturer("question-depart");
     // The next question may take the same address.
     g_object_add_weak_pointer(G_OBJECT(f), reinterpret_cast<gpointer*>(&f));
     touche ? touches(GTK_WINDOW(f), touche) : cliquerWidget(chercher(f, "bouton-1"));
