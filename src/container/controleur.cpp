@@ -234,13 +234,25 @@ void Controleur::oublierVue(const VueWeb& vue) {
     attentes_.erase(&vue);
 }
 
-std::optional<Controleur::Place> Controleur::placeDe(const VueWeb& vue) const {
-    if (webView_ && &vue == webView_.get())
-        return Place{webView_, fenetre_.get(), recherche_.get()};
-    if (FenetreSecondaire* secondaire = secondaireDe(vue)) {
-        return Place{secondaire->webView(), secondaire->fenetre().get(), &secondaire->recherche()};
+std::optional<Controleur::Place> Controleur::placeDe(const VueWeb* vue) const {
+    if (webView_ && vue == webView_.get()) return Place{webView_, fenetre_.get(), recherche_.get()};
+    for (const auto& secondaire : fenetresSecondaires_) {
+        if (secondaire->webView().get() == vue) {
+            return Place{secondaire->webView(), secondaire->fenetre().get(),
+                         &secondaire->recherche()};
+        }
     }
     return std::nullopt;
+}
+
+Fenetre* Controleur::fenetreDe(const VueWeb* vue) const {
+    const auto place = placeDe(vue);
+    return place ? place->fenetre : nullptr;
+}
+
+std::shared_ptr<VueWeb> Controleur::vuePartagee(const VueWeb* vue) const {
+    const auto place = placeDe(vue);
+    return place ? place->vue : nullptr;
 }
 
 RechercheDansPage& Controleur::rechercheActive() const {
@@ -295,8 +307,8 @@ void Controleur::expliquerPageBlanche(const VueWeb& vue, const Origine& site) {
 
 Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action) {
     const bool parUtilisateur = actionUtilisateurDisponible(action.gesteUtilisateur);
-    if (const auto connexion =
-            deciderConnexion(vue, action, parUtilisateur, demandeDeConnexion(action))) {
+    const bool demande = demandeDeConnexion(action);
+    if (const auto connexion = deciderConnexion(vue, action, parUtilisateur, demande)) {
         return *connexion;
     }
     auto decision = brindex::deciderAction(action, origineDe(vue), parUtilisateur);
@@ -308,7 +320,7 @@ Politique Controleur::deciderAction(VueWeb& vue, const ActionNavigation& action)
         auto& attentes = attentes_[&vue];
         if (attentes.size() == attentesParVue) attentes.erase(attentes.begin());
         attentes.push_back({sansFragment(*action.url), *decision.siCadrePrincipal, action,
-                            parUtilisateur, demandeDeConnexion(action)});
+                            parUtilisateur, demande});
     }
     return decision.politique;
 }
@@ -360,7 +372,7 @@ void Controleur::chargementTermine(VueWeb& vue) {
     if (webView_ && &vue == webView_.get()) principaleADejaCharge_ = true;
     Journal::ecrire(ligneSucces(adresseJournal(vue)));
     finirConnexionSiEspace(vue);
-    if (const auto place = placeDe(vue)) place->recherche->pageChargee(vue.url());
+    if (const auto place = placeDe(&vue)) place->recherche->pageChargee(vue.url());
 }
 
 void Controleur::traiterEchec(const ErreurChargement& erreur, VueWeb& vue) {
@@ -611,18 +623,18 @@ void Controleur::rechercherPrecedent() {
 
 void Controleur::imprimer() {
     if (const auto vue = webViewActive()) {
-        if (const auto place = placeDe(*vue)) ouvrirImpression(*place, true);
+        if (const auto place = placeDe(vue.get())) ouvrirImpression(*place, true);
     }
 }
 
 // ---- Find and print ----
 
 void Controleur::resultatRecherche(VueWeb& vue, bool trouve, std::optional<unsigned> nombre) {
-    if (const auto place = placeDe(vue)) place->recherche->resultat(trouve, nombre);
+    if (const auto place = placeDe(&vue)) place->recherche->resultat(trouve, nombre);
 }
 
 void Controleur::impressionDemandee(VueWeb& vue) {
-    const auto place = placeDe(vue);
+    const auto place = placeDe(&vue);
     if (place) ouvrirImpression(*place, actionUtilisateurDisponible(std::nullopt));
 }
 
@@ -658,7 +670,7 @@ void Controleur::ouvrirImpression(const Place& place, bool parUtilisateur) {
 
 void Controleur::impressionEchouee(VueWeb& vue, const std::string& description) {
     Journal::ecrire("impression ECHEC " + description);
-    if (const auto place = placeDe(vue)) {
+    if (const auto place = placeDe(&vue)) {
         place->fenetre->feuille(alerteSimple("Impression impossible", description));
     }
 }
@@ -670,7 +682,7 @@ bool Controleur::lienApplication(VueWeb& vue, const std::string& url) {
     const auto application = plateforme_.applicationPour(url);
     const auto retenus = schemesApprouves(plateforme_.reglages());
     const bool retenu = std::find(retenus.begin(), retenus.end(), scheme) != retenus.end();
-    const auto place = placeDe(vue);
+    const auto place = placeDe(&vue);
     switch (deciderLienApplication(scheme, application.has_value() && place, retenu)) {
         case ChoixLienApplication::refuser:
             return false;
@@ -772,12 +784,6 @@ bool Controleur::executer(Commande commande) {
 
 // ---- Leaving pages ----
 
-Fenetre* Controleur::fenetreDe(const VueWeb& vue) const {
-    if (webView_ && &vue == webView_.get()) return fenetre_.get();
-    FenetreSecondaire* secondaire = secondaireDe(vue);
-    return secondaire ? secondaire->fenetre().get() : nullptr;
-}
-
 std::vector<std::shared_ptr<VueWeb>> Controleur::vuesOuvertes() const {
     std::vector<std::shared_ptr<VueWeb>> vues;
     if (webView_) vues.push_back(webView_);
@@ -786,7 +792,7 @@ std::vector<std::shared_ptr<VueWeb>> Controleur::vuesOuvertes() const {
 }
 
 void Controleur::confirmationDepart(VueWeb& vue, std::function<void(bool)> fin) {
-    Fenetre* fenetre = fenetreDe(vue);
+    Fenetre* fenetre = fenetreDe(&vue);
     // Asked once per action of the user, on the page's own window; otherwise the page stays,
     // and so does whatever was to close with it.
     if (!fenetre || !departs_.questionPermise(vue)) {
@@ -798,10 +804,7 @@ void Controleur::confirmationDepart(VueWeb& vue, std::function<void(bool)> fin) 
     std::weak_ptr<Controleur> faible = weak_from_this();
     // The view may be gone when the question closes (its entries with it), and another one may
     // have its address by then.
-    std::weak_ptr<VueWeb> faibleVue;
-    for (const auto& ouverte : vuesOuvertes()) {
-        if (ouverte.get() == &vue) faibleVue = ouverte;
-    }
+    std::weak_ptr<VueWeb> faibleVue = vuePartagee(&vue);
     fenetre->feuille(questionDepart(),
                      [faible, faibleVue, fin = std::move(fin)](ReponseAlerte reponse) {
                          const bool quitter = reponse.bouton == 1;

@@ -199,7 +199,8 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
         Fenetre* fenetre;
         RechercheDansPage* recherche;
     };
-    std::optional<Place> placeDe(const VueWeb& vue) const;
+    // Compares addresses only: safe with a view that may be gone.
+    std::optional<Place> placeDe(const VueWeb* vue) const;
     // Where page commands act: a key secondary window, else the main window.
     RechercheDansPage& rechercheActive() const;
     void ouvrirImpression(const Place& place, bool parUtilisateur);
@@ -212,8 +213,9 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     void oublierVue(const VueWeb& vue);
     // The secondary window that shows `vue`, if any.
     FenetreSecondaire* secondaireDe(const VueWeb& vue) const;
-    // The window that shows `vue`, if any.
-    Fenetre* fenetreDe(const VueWeb& vue) const;
+    // The window that shows `vue`, and the view itself shared, if it is still shown.
+    Fenetre* fenetreDe(const VueWeb* vue) const;
+    std::shared_ptr<VueWeb> vuePartagee(const VueWeb* vue) const;
     // Every web view, the main one first, then the secondary windows' oldest first.
     std::vector<std::shared_ptr<VueWeb>> vuesOuvertes() const;
     bool fermetureSecondaireDemandee(FenetreSecondaire& secondaire);
@@ -243,8 +245,6 @@ class Controleur : public std::enable_shared_from_this<Controleur> {
     // The view's address as the log may hold it: whole on the space's own pages outside a round
     // trip; elsewhere scheme, host, port and path only.
     std::optional<std::string> adresseJournal(const VueWeb& vue) const;
-    Fenetre* fenetreDe(const VueWeb* vue) const;
-    std::shared_ptr<VueWeb> vuePartagee(const VueWeb* vue) const;
 
     struct EntreeTelechargement {
         std::shared_ptr<Telechargement> telechargement;

@@ -21,22 +21,6 @@ bool contient(const std::vector<const VueWeb*>& vues, const VueWeb* vue) {
 
 }  // namespace
 
-Fenetre* Controleur::fenetreDe(const VueWeb* vue) const {
-    if (webView_ && webView_.get() == vue) return fenetre_.get();
-    for (const auto& secondaire : fenetresSecondaires_) {
-        if (secondaire->webView().get() == vue) return secondaire->fenetre().get();
-    }
-    return nullptr;
-}
-
-std::shared_ptr<VueWeb> Controleur::vuePartagee(const VueWeb* vue) const {
-    if (webView_ && webView_.get() == vue) return webView_;
-    for (const auto& secondaire : fenetresSecondaires_) {
-        if (secondaire->webView().get() == vue) return secondaire->webView();
-    }
-    return nullptr;
-}
-
 std::optional<std::string> Controleur::adresseJournal(const VueWeb& vue) const {
     auto url = vue.url();
     if (url && (trajets_.count(&vue) || Origine::depuis(*url) != origineDe(vue))) {
