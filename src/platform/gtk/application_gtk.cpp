@@ -105,6 +105,7 @@ ApplicationGtk::ApplicationGtk()
 
 ApplicationGtk::~ApplicationGtk() {
     g_signal_handlers_disconnect_by_data(application_.get(), this);
+    if (sourceTables_ != 0) g_source_remove(sourceTables_);
     // The controller's windows go before the platform that made them.
     controleur_.reset();
     plateforme_.reset();
@@ -180,7 +181,9 @@ void ApplicationGtk::surActivation(GApplication*, gpointer donnees) {
         g_signal_connect_swapped(principale->fenetre(), "destroy", G_CALLBACK(g_application_quit),
                                  soi->application_.get());
     }
-    if (traceDemandee()) g_unix_signal_add(SIGUSR1, surDemandeTables, soi);
+    if (traceDemandee() && soi->sourceTables_ == 0) {
+        soi->sourceTables_ = g_unix_signal_add(SIGUSR1, surDemandeTables, soi);
+    }
     jalon("fenetre construite");
     lancer(*soi, *soi->controleur_);
     jalon("lancement fini");

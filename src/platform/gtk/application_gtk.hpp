@@ -47,6 +47,8 @@ class ApplicationGtk : public Coquille {
     Ref<GtkApplication> application_;
     // Chosen before GTK opened the display, when no probe was needed.
     std::optional<ChoixRendu> renduSansCarte_;
+    // The debug trace's SIGUSR1 source, which points at this object.
+    guint sourceTables_ = 0;
     std::unique_ptr<PlateformeGtk> plateforme_;
     std::shared_ptr<Controleur> controleur_;
 };

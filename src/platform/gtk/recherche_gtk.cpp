@@ -67,9 +67,6 @@ BarreRechercheGtk::BarreRechercheGtk(GtkBox* bandeau, std::shared_ptr<RechercheD
 BarreRechercheGtk::~BarreRechercheGtk() {
     recherche_->attacher(nullptr);
     GtkWidget* barre = barre_.get();
-    for (GtkWidget* w = gtk_widget_get_first_child(barre); w; w = gtk_widget_get_next_sibling(w)) {
-        g_signal_handlers_disconnect_by_data(w, recherche_.get());
-    }
     if (GtkWidget* parent = gtk_widget_get_parent(barre)) gtk_box_remove(GTK_BOX(parent), barre);
 }
 

@@ -246,11 +246,12 @@ void VueWebGtk::reculerDe(std::size_t pas) {
 
 void VueWebGtk::appliquerPolitique(WebKitPolicyDecision* decision, Politique politique) {
     if (politique != Politique::differer) return appliquer(decision, politique);
-    if (const auto precedente = std::exchange(enAttente_, {})) {
+    // A new one replaces the one waiting, which the user is still being asked about.
+    if (const auto precedente =
+            std::exchange(enAttente_, Ref<WebKitPolicyDecision>::partager(decision))) {
         webkit_policy_decision_ignore(precedente.get());
-        attendreUtilisateur(false);
+        return;
     }
-    enAttente_ = Ref<WebKitPolicyDecision>::partager(decision);
     attendreUtilisateur(true);
 }
 
