@@ -219,7 +219,12 @@ void FenetreCocoa<Interface>::barreConnexion(const std::optional<std::string> &t
                                              std::function<void()> annuler) {
     if (!texte) {
         [barreConnexion_ removeFromParentViewController];
+        // Its own button may be the one that asked.
+        relacherPlusTard(barreConnexion_);
+        relacherPlusTard(annulerConnexion_);
         barreConnexion_ = nil;
+        texteConnexion_ = nil;
+        annulerConnexion_ = nil;
         return;
     }
     if (!barreConnexion_) {
@@ -282,8 +287,7 @@ void FenetrePrincipaleCocoa::montrerEspace(std::shared_ptr<VueWeb> vue) {
     // The window's find bar above the page; it moves here from the screen before.
     NSStackView *pile = colonne(web);
     if (barreRecherche_) placerEnTete(pile, barreRecherche_);
-    pile.translatesAutoresizingMaskIntoConstraints = NO;
-    [conteneur addSubview:pile];
+    remplir(conteneur, pile);
     barre_ = [[NSProgressIndicator alloc] initWithFrame:NSZeroRect];
     barre_.style = NSProgressIndicatorStyleBar;
     barre_.indeterminate = NO;
@@ -295,10 +299,6 @@ void FenetrePrincipaleCocoa::montrerEspace(std::shared_ptr<VueWeb> vue) {
     // Added second, so that it lies over the web view's top edge.
     [conteneur addSubview:barre_];
     [NSLayoutConstraint activateConstraints:@[
-        [pile.topAnchor constraintEqualToAnchor:conteneur.topAnchor],
-        [pile.bottomAnchor constraintEqualToAnchor:conteneur.bottomAnchor],
-        [pile.leadingAnchor constraintEqualToAnchor:conteneur.leadingAnchor],
-        [pile.trailingAnchor constraintEqualToAnchor:conteneur.trailingAnchor],
         [barre_.topAnchor constraintEqualToAnchor:web.topAnchor],
         [barre_.leadingAnchor constraintEqualToAnchor:conteneur.leadingAnchor],
         [barre_.trailingAnchor constraintEqualToAnchor:conteneur.trailingAnchor],

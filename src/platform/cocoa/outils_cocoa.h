@@ -27,6 +27,16 @@ inline std::optional<std::string> texteOptionnel(NSString *chaine) {
     return texte(chaine);
 }
 
+// The user's Downloads and home folders, as the system names them.
+inline std::optional<std::string> dossierTelechargementsSysteme() {
+    return texteOptionnel([NSFileManager.defaultManager URLsForDirectory:NSDownloadsDirectory
+                                                               inDomains:NSUserDomainMask]
+                              .firstObject.path);
+}
+inline std::string dossierPersonnelSysteme() {
+    return texte(NSFileManager.defaultManager.homeDirectoryForCurrentUser.path);
+}
+
 // Lets an object go only once the current event has been handled: AppKit and WebKit may still
 // be inside one of its callbacks (a button's action, windowWillClose:, a delegate method) when
 // its owner drops it.
@@ -35,6 +45,18 @@ inline void relacherPlusTard(id objet) {
     dispatch_async(dispatch_get_main_queue(), ^{
         (void)objet;
     });
+}
+
+// Adds `enfant` to `parent`, edge to edge.
+inline void remplir(NSView *parent, NSView *enfant) {
+    enfant.translatesAutoresizingMaskIntoConstraints = NO;
+    [parent addSubview:enfant];
+    [NSLayoutConstraint activateConstraints:@[
+        [enfant.topAnchor constraintEqualToAnchor:parent.topAnchor],
+        [enfant.bottomAnchor constraintEqualToAnchor:parent.bottomAnchor],
+        [enfant.leadingAnchor constraintEqualToAnchor:parent.leadingAnchor],
+        [enfant.trailingAnchor constraintEqualToAnchor:parent.trailingAnchor],
+    ]];
 }
 
 inline NSColor *couleur(const Couleur &c, double opacite = 1.0) {

@@ -322,16 +322,10 @@ void PlateformeCocoa::choisirFichiers(const DemandeFichiers &demande,
 }
 
 std::optional<std::string> PlateformeCocoa::dossierTelechargements() {
-    NSURL *dossier = [NSFileManager.defaultManager URLsForDirectory:NSDownloadsDirectory
-                                                          inDomains:NSUserDomainMask]
-                         .firstObject;
-    if (!dossier) return std::nullopt;
-    return texte(dossier.path);
+    return dossierTelechargementsSysteme();
 }
 
-std::string PlateformeCocoa::dossierPersonnel() {
-    return texte(NSFileManager.defaultManager.homeDirectoryForCurrentUser.path);
-}
+std::string PlateformeCocoa::dossierPersonnel() { return dossierPersonnelSysteme(); }
 
 bool PlateformeCocoa::existe(const std::string &chemin) {
     return [NSFileManager.defaultManager fileExistsAtPath:ns(chemin)];

@@ -70,14 +70,7 @@ class ControlesCocoa : public brindex::ControlesRecherche {
         [NSStackView stackViewWithViews:@[ _champ, fleches, statut, ressort, termine ]];
     rangee.orientation = NSUserInterfaceLayoutOrientationHorizontal;
     rangee.edgeInsets = NSEdgeInsetsMake(5, 10, 5, 10);
-    rangee.translatesAutoresizingMaskIntoConstraints = NO;
-    [self addSubview:rangee];
-    [NSLayoutConstraint activateConstraints:@[
-        [rangee.topAnchor constraintEqualToAnchor:self.topAnchor],
-        [rangee.bottomAnchor constraintEqualToAnchor:self.bottomAnchor],
-        [rangee.leadingAnchor constraintEqualToAnchor:self.leadingAnchor],
-        [rangee.trailingAnchor constraintEqualToAnchor:self.trailingAnchor],
-    ]];
+    brindex::cocoa::remplir(self, rangee);
     self.wantsLayer = YES;
     self.layer.backgroundColor = brindex::cocoa::couleur(brindex::Marque::carte).CGColor;
     self.hidden = YES;

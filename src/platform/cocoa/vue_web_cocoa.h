@@ -69,9 +69,9 @@ class VueWebCocoa final : public VueWeb, public std::enable_shared_from_this<Vue
     void trancher(Politique politique) override;
     std::vector<std::string> historiqueArriere(std::size_t maximum) const override;
     void reculerDe(std::size_t pas) override;
-    // Keeps WebKit's decision handler of a navigation the controller answers later; a previous
-    // one still waiting is cancelled (WebKit wants every handler called once).
-    void differer(std::function<void(Politique)> repondre);
+    // Answers WebKit's decision handler now, or keeps it when the controller answers later; a
+    // previous one still waiting is then cancelled (WebKit wants every handler called once).
+    void decider(Politique politique, std::function<void(Politique)> repondre);
     void essayerFermer() override;
     void chercher(const std::string &texte, SensRecherche sens) override;
     void finirRecherche() override;

@@ -133,11 +133,8 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
     // main thread's looks (the controller's, then WebKit's own) come once the question is
     // settled. A refusal isn't reported: the looks then find nothing there, and whatever writing
     // the file then meets is WebKit's to report, through the download's end.
-    NSFileManager *fichiers = NSFileManager.defaultManager;
     const std::string dossier = brindex::dossierTelechargements(
-        texteOptionnel([fichiers URLsForDirectory:NSDownloadsDirectory inDomains:NSUserDomainMask]
-                           .firstObject.path),
-        brindex::cocoa::texte(fichiers.homeDirectoryForCurrentUser.path));
+        brindex::cocoa::dossierTelechargementsSysteme(), brindex::cocoa::dossierPersonnelSysteme());
     const std::string nom = brindex::cocoa::texte(suggestedFilename);
     __weak BrindexDelegueTelechargements *faible = self;
     dispatch_async(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
@@ -317,11 +314,7 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
                                         WKNavigationActionPolicyCancel));
     };
     const auto politique = controleur->deciderAction(*_vue, actionDepuis(navigationAction));
-    if (politique == brindex::Politique::differer) {
-        _vue->differer(repondre);
-    } else {
-        repondre(politique);
-    }
+    _vue->decider(politique, repondre);
 }
 
 - (void)webView:(WKWebView *)webView
@@ -348,11 +341,7 @@ brindex::ErreurChargement erreurDepuis(NSError *erreur) {
                                         WKNavigationResponsePolicyCancel));
     };
     const auto politique = controleur->deciderReponse(*_vue, reponse);
-    if (politique == brindex::Politique::differer) {
-        _vue->differer(repondre);
-    } else {
-        repondre(politique);
-    }
+    _vue->decider(politique, repondre);
 }
 
 - (void)webView:(WKWebView *)webView
@@ -630,7 +619,8 @@ std::optional<std::string> VueWebCocoa::titre() const { return texteOptionnel(we
 double VueWebCocoa::progression() const { return webView_.estimatedProgress; }
 bool VueWebCocoa::aUnePageARecharger() const { return webView_.backForwardList.currentItem != nil; }
 
-void VueWebCocoa::differer(std::function<void(Politique)> repondre) {
+void VueWebCocoa::decider(Politique politique, std::function<void(Politique)> repondre) {
+    if (politique != Politique::differer) return repondre(politique);
     if (auto precedente = std::exchange(enAttente_, nullptr)) precedente(Politique::annuler);
     enAttente_ = std::move(repondre);
 }
