@@ -110,6 +110,8 @@ inline constexpr std::size_t historiqueMax = 50;
 Alerte questionConnexion(const Origine& site);
 // "Connexion via login.example.com", with "non sécurisée" over http: the bar and the title.
 std::string texteBarreConnexion(const Origine& site);
+// The bar's one button.
+inline constexpr const char* boutonBarreConnexion = "Annuler";
 // Why a round trip was ended, for the sheet.
 Alerte alerteExpiration(const Origine& site, bool parDuree);
 inline constexpr std::string_view titreConnexionRefusee = "Connexion refusée";

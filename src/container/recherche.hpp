@@ -14,6 +14,13 @@ namespace brindex {
 // Beyond this many matches the engine stops counting.
 inline constexpr unsigned resultatsRechercheMax = 1000;
 
+// The find bar's words.
+inline constexpr const char* texteChampRecherche = "Rechercher dans la page";
+inline constexpr const char* texteResultatPrecedent = "Résultat précédent";
+inline constexpr const char* texteResultatSuivant = "Résultat suivant";
+inline constexpr const char* texteFermerRecherche = "Fermer la recherche";
+inline constexpr const char* texteTermineRecherche = "Terminé";
+
 // The widgets of a window's find bar, which the platform draws above the page.
 class ControlesRecherche {
   public:

@@ -3,6 +3,7 @@
 #import "platform/cocoa/ecrans_cocoa.h"
 #import "platform/cocoa/vue_web_cocoa.h"
 
+#include "container/connexion.hpp"
 #include "platform/cocoa/outils_cocoa.h"
 
 @implementation BrindexDelegueFenetre
@@ -234,7 +235,7 @@ void FenetreCocoa<Interface>::barreConnexion(const std::optional<std::string> &t
             setContentCompressionResistancePriority:NSLayoutPriorityDefaultLow
                                      forOrientation:NSLayoutConstraintOrientationHorizontal];
         annulerConnexion_ = [[BrindexCible alloc] init];
-        NSButton *bouton = [NSButton buttonWithTitle:@"Annuler"
+        NSButton *bouton = [NSButton buttonWithTitle:ns(boutonBarreConnexion)
                                               target:annulerConnexion_
                                               action:@selector(agir:)];
         NSStackView *pile = [NSStackView stackViewWithViews:@[ texteConnexion_, bouton ]];

@@ -41,7 +41,7 @@ class ControlesCocoa : public brindex::ControlesRecherche {
     if (!self) return nil;
     _recherche = std::move(recherche);
     _champ = [[NSSearchField alloc] init];
-    _champ.placeholderString = @"Rechercher dans la page";
+    _champ.placeholderString = ns(brindex::texteChampRecherche);
     _champ.delegate = self;
     _champ.target = self;
     _champ.action = @selector(texteModifie:);
@@ -51,16 +51,16 @@ class ControlesCocoa : public brindex::ControlesRecherche {
     NSSegmentedControl *fleches =
         [NSSegmentedControl segmentedControlWithImages:@[
             [NSImage imageWithSystemSymbolName:@"chevron.left"
-                      accessibilityDescription:@"Résultat précédent"],
+                      accessibilityDescription:ns(brindex::texteResultatPrecedent)],
             [NSImage imageWithSystemSymbolName:@"chevron.right"
-                      accessibilityDescription:@"Résultat suivant"]
+                      accessibilityDescription:ns(brindex::texteResultatSuivant)]
         ]
                                           trackingMode:NSSegmentSwitchTrackingMomentary
                                                 target:self
                                                 action:@selector(fleche:)];
     NSTextField *statut = [NSTextField labelWithString:@""];
     statut.textColor = NSColor.secondaryLabelColor;
-    NSButton *termine = [NSButton buttonWithTitle:@"Terminé"
+    NSButton *termine = [NSButton buttonWithTitle:ns(brindex::texteTermineRecherche)
                                            target:self
                                            action:@selector(termine:)];
     NSView *ressort = [[NSView alloc] init];

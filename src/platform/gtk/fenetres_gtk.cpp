@@ -3,6 +3,7 @@
 #include <charconv>
 #include <string>
 
+#include "container/connexion.hpp"
 #include "dialogues_gtk.hpp"
 
 namespace brindex::gtk {
@@ -142,7 +143,7 @@ void FenetreGtk<Interface>::barreConnexion(const std::optional<std::string>& tex
         gtk_widget_set_hexpand(libelle, TRUE);
         gtk_label_set_xalign(GTK_LABEL(libelle), 0.0f);
         gtk_label_set_ellipsize(GTK_LABEL(libelle), PANGO_ELLIPSIZE_END);
-        GtkWidget* bouton = gtk_button_new_with_label("Annuler");
+        GtkWidget* bouton = gtk_button_new_with_label(boutonBarreConnexion);
         gtk_widget_set_name(bouton, "annuler-connexion");
         g_signal_connect(bouton, "clicked", G_CALLBACK(+[](GtkButton*, gpointer donnees) {
                              auto* soi = static_cast<FenetreGtk*>(donnees);

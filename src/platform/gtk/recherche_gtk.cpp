@@ -27,14 +27,14 @@ BarreRechercheGtk::BarreRechercheGtk(GtkBox* bandeau, std::shared_ptr<RechercheD
     gtk_widget_add_css_class(barre, "barre-recherche");
     champ_ = gtk_search_entry_new();
     gtk_widget_set_name(champ_, "champ-recherche");
-    g_object_set(champ_, "placeholder-text", "Rechercher dans la page", nullptr);
+    g_object_set(champ_, "placeholder-text", texteChampRecherche, nullptr);
     gtk_widget_set_size_request(champ_, 280, -1);
     statut_ = gtk_label_new("");
     gtk_widget_set_name(statut_, "statut-recherche");
     gtk_label_set_xalign(GTK_LABEL(statut_), 0.0f);
-    GtkWidget* precedent = bouton("go-up-symbolic", "Résultat précédent", "recherche-precedent");
-    GtkWidget* suivant = bouton("go-down-symbolic", "Résultat suivant", "recherche-suivant");
-    GtkWidget* fermer = bouton("window-close-symbolic", "Fermer la recherche", "recherche-fermer");
+    GtkWidget* precedent = bouton("go-up-symbolic", texteResultatPrecedent, "recherche-precedent");
+    GtkWidget* suivant = bouton("go-down-symbolic", texteResultatSuivant, "recherche-suivant");
+    GtkWidget* fermer = bouton("window-close-symbolic", texteFermerRecherche, "recherche-fermer");
     gtk_widget_set_hexpand(statut_, TRUE);
     for (GtkWidget* w : {champ_, precedent, suivant, statut_, fermer}) {
         gtk_box_append(GTK_BOX(barre), w);
