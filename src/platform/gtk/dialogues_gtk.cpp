@@ -1,5 +1,6 @@
 #include "dialogues_gtk.hpp"
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -8,6 +9,27 @@
 #include "outils_gtk.hpp"
 
 namespace brindex::gtk {
+
+namespace {
+constexpr const char* cleVerrous = "brindex-verrous";
+}  // namespace
+
+VerrouContenu::VerrouContenu(GtkWindow* fenetre)
+    : contenu_(Ref<GtkWidget>::partager(fenetre ? gtk_window_get_child(fenetre) : nullptr)) {
+    if (!contenu_) return;
+    GObject* objet = G_OBJECT(contenu_.get());
+    const int verrous = GPOINTER_TO_INT(g_object_get_data(objet, cleVerrous));
+    g_object_set_data(objet, cleVerrous, GINT_TO_POINTER(verrous + 1));
+    gtk_widget_set_sensitive(contenu_.get(), FALSE);
+}
+
+VerrouContenu::~VerrouContenu() {
+    if (!contenu_) return;
+    GObject* objet = G_OBJECT(contenu_.get());
+    const int verrous = GPOINTER_TO_INT(g_object_get_data(objet, cleVerrous)) - 1;
+    g_object_set_data(objet, cleVerrous, GINT_TO_POINTER(verrous > 0 ? verrous : 0));
+    if (verrous <= 0) gtk_widget_set_sensitive(contenu_.get(), TRUE);
+}
 
 namespace {
 
@@ -84,12 +106,10 @@ void montrerAlerte(GtkWindow* parent, const Alerte& alerte,
     }
 
     // A sheet blocks only its window's content, until it closes.
-    GtkWidget* bloque = feuille ? gtk_window_get_child(parent) : nullptr;
-    if (bloque) {
-        gtk_widget_set_sensitive(bloque, FALSE);
+    if (feuille) {
         reponse = [suite = std::move(reponse),
-                   b = Ref<GtkWidget>::partager(bloque)](ReponseAlerte r) {
-            gtk_widget_set_sensitive(b.get(), TRUE);
+                   verrou = std::make_shared<VerrouContenu>(parent)](ReponseAlerte r) mutable {
+            verrou.reset();
             if (suite) suite(std::move(r));
         };
     }

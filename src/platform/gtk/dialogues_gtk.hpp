@@ -5,8 +5,22 @@
 #include <functional>
 
 #include "container/ports.hpp"
+#include "outils_gtk.hpp"
 
 namespace brindex::gtk {
+
+// Makes a window's content wait for a dialog, as a sheet does, until it goes. Several dialogs
+// may hold one window: its content comes back with the last.
+class VerrouContenu {
+  public:
+    explicit VerrouContenu(GtkWindow* fenetre);
+    ~VerrouContenu();
+    VerrouContenu(const VerrouContenu&) = delete;
+    VerrouContenu& operator=(const VerrouContenu&) = delete;
+
+  private:
+    Ref<GtkWidget> contenu_;
+};
 
 // An alert over `parent`: a heading, the explanation, an optional one-line field and the
 // buttons, the first one rightmost and pressed by Return, Escape dismissing. `reponse` runs

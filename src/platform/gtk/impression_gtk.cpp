@@ -2,6 +2,9 @@
 
 #include <gtk/gtkunixprint.h>
 
+#include <memory>
+
+#include "dialogues_gtk.hpp"
 #include "outils_gtk.hpp"
 
 namespace brindex::gtk {
@@ -28,13 +31,13 @@ GtkWidget* listeImprimantes(GtkWidget* racine) {
 // window is usable again and hears of it once.
 struct Dialogue {
     Ref<WebKitWebView> vue;
-    // What waits for the dialog: the window's content.
-    Ref<GtkWidget> bloque;
     std::function<void()> ferme;
     std::function<void(const std::string&)> echec;
+    // What waits for the dialog: the window's content.
+    std::unique_ptr<VerrouContenu> verrou;
 
     ~Dialogue() {
-        if (bloque) gtk_widget_set_sensitive(bloque.get(), TRUE);
+        verrou.reset();
         if (ferme) ferme();
     }
 };
@@ -86,10 +89,8 @@ void dialogueImpression(WebKitWebView* vue, const std::string& fichierPdf,
     // Like a sheet: its window waits, the others don't; it goes with its window.
     gtk_window_set_modal(GTK_WINDOW(dialogue), FALSE);
     gtk_window_set_destroy_with_parent(GTK_WINDOW(dialogue), TRUE);
-    GtkWidget* contenu = parent ? gtk_window_get_child(parent) : nullptr;
-    if (contenu) gtk_widget_set_sensitive(contenu, FALSE);
-    auto* etat = new Dialogue{Ref<WebKitWebView>::partager(vue), Ref<GtkWidget>::partager(contenu),
-                              std::move(ferme), std::move(echec)};
+    auto* etat = new Dialogue{Ref<WebKitWebView>::partager(vue), std::move(ferme), std::move(echec),
+                              std::make_unique<VerrouContenu>(parent)};
     g_object_set_data_full(G_OBJECT(dialogue), "impression", etat,
                            [](gpointer e) { delete static_cast<Dialogue*>(e); });
     g_signal_connect(
