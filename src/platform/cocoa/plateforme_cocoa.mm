@@ -157,12 +157,13 @@ struct MoniteurChemins {
     decltype(&nw_path_get_status) etat = nullptr;
 };
 
+// Looked up once; nothing when any of them is missing.
 const MoniteurChemins *moniteurChemins() {
-    static const MoniteurChemins fonctions = [] {
-        MoniteurChemins f;
+    static const MoniteurChemins *const fonctions = []() -> const MoniteurChemins * {
+        static MoniteurChemins f;
         void *reseau =
             dlopen("/System/Library/Frameworks/Network.framework/Network", RTLD_LAZY | RTLD_LOCAL);
-        if (!reseau) return f;
+        if (!reseau) return nullptr;
         const auto lier = [reseau](auto &fonction, const char *nom) {
             fonction =
                 reinterpret_cast<std::remove_reference_t<decltype(fonction)>>(dlsym(reseau, nom));
@@ -173,11 +174,10 @@ const MoniteurChemins *moniteurChemins() {
         lier(f.demarrer, "nw_path_monitor_start");
         lier(f.annuler, "nw_path_monitor_cancel");
         lier(f.etat, "nw_path_get_status");
-        return f;
+        const bool complet = f.creer && f.file && f.suivre && f.demarrer && f.annuler && f.etat;
+        return complet ? &f : nullptr;
     }();
-    const bool complet = fonctions.creer && fonctions.file && fonctions.suivre &&
-                         fonctions.demarrer && fonctions.annuler && fonctions.etat;
-    return complet ? &fonctions : nullptr;
+    return fonctions;
 }
 
 }  // namespace
